@@ -25,15 +25,16 @@ struct ZelPathElement {
 
 class ZelPath {
  public:
-  void moveTo(CGPoint p) { add({ZelPathElement::Type::MoveTo, p}); }
-  void lineTo(CGPoint p) { add({ZelPathElement::Type::LineTo, p}); }
+  void moveTo(CGPoint p) { add(element(ZelPathElement::Type::MoveTo, p)); }
+  void lineTo(CGPoint p) { add(element(ZelPathElement::Type::LineTo, p)); }
   void arcTo(CGPoint corner, CGPoint towards, double radius) {
-    ZelPathElement e{ZelPathElement::Type::ArcTo, corner, towards};
+    ZelPathElement e = element(ZelPathElement::Type::ArcTo, corner);
+    e.p2 = towards;
     e.radius = radius;
     add(e);
   }
   void arc(CGPoint centre, double radius, double startAngle, double endAngle, bool clockwise) {
-    ZelPathElement e{ZelPathElement::Type::Arc, centre};
+    ZelPathElement e = element(ZelPathElement::Type::Arc, centre);
     e.radius = radius;
     e.startAngle = startAngle;
     e.endAngle = endAngle;
@@ -41,7 +42,7 @@ class ZelPath {
     add(e);
   }
   void addEllipseInRect(CGRect r) {
-    ZelPathElement e{ZelPathElement::Type::Ellipse};
+    ZelPathElement e = element(ZelPathElement::Type::Ellipse, {});
     e.rect = r;
     add(e);
   }
@@ -52,7 +53,7 @@ class ZelPath {
     lineTo({r.origin.x, r.origin.y + r.size.height});
     close();
   }
-  void close() { add({ZelPathElement::Type::Close}); }
+  void close() { add(element(ZelPathElement::Type::Close, {})); }
 
   const std::vector<ZelPathElement>& elements() const { return elements_; }
   bool empty() const { return elements_.empty(); }
@@ -60,6 +61,12 @@ class ZelPath {
   friend bool operator==(const ZelPath&, const ZelPath&) = default;
 
  private:
+  static ZelPathElement element(ZelPathElement::Type type, CGPoint p1) {
+    ZelPathElement e;
+    e.type = type;
+    e.p1 = p1;
+    return e;
+  }
   void add(const ZelPathElement& e) { elements_.push_back(e); }
   std::vector<ZelPathElement> elements_;
 };

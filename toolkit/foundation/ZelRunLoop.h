@@ -7,6 +7,7 @@
 // for the next runDue().
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -79,19 +80,30 @@ class ZelRunLoop {
   // Any thread: queue a call for the next runDue() (as if scheduled with
   // delay 0 at that time).
   void post(std::function<void()> call);
+  // Called on the posting thread after every post(), so that the owner can
+  // wake an event pump that sleeps until nextDueTime(). Set it before any
+  // other thread may post; it must not call back into this loop.
+  void setWakeHandler(std::function<void()> wake);
 
   // Runs, in time order, every call due at or before `now` (the clock's now
   // when omitted), including calls that those calls schedule when they are
-  // due by then. Returns the number of calls run. Never blocks.
+  // due by then. Returns the number of calls run. Never blocks, and costs no
+  // allocation when nothing is due. A call may schedule and cancel calls on
+  // this loop (a call scheduled with delay 0 is due at the clock's now, so
+  // on a frozen virtual clock a call that keeps rescheduling itself at delay
+  // 0 never lets runDue return). An exception from a call propagates; that
+  // call is gone, the rest stay pending. A call must not destroy the loop.
   std::size_t runDue();
   std::size_t runDue(double now);
 
-  // The due time of the earliest pending call, if any.
+  // The due time of the earliest pending call, if any (the clock's now when
+  // a posted call waits for the next runDue()).
   std::optional<double> nextDueTime() const;
   std::size_t pendingCount() const;
   bool isPending(Handle handle) const;
 
-  // The run loop of the calling thread (set by its owner), or nullptr.
+  // The run loop of the calling thread (set by its owner), or nullptr. A
+  // loop that is current on the thread that destroys it stops being current.
   static ZelRunLoop* current();
   static void setCurrent(ZelRunLoop* loop);
 
@@ -103,13 +115,19 @@ class ZelRunLoop {
     ZelCallKey key;
     std::function<void()> call;
   };
-  void drainPosted();
+  void drainPosted(double due);
+  Handle push(double due, std::function<void()> call, ZelCallKey key);
+  template <class Pred>
+  std::size_t removeIf(Pred pred);
 
   const ZelClock& clock_;
   std::vector<Entry> entries_;  // kept as a heap ordered by (due, seq)
   std::uint64_t nextSeq_ = 1;
   std::mutex postedMutex_;
   std::vector<std::function<void()>> posted_;
+  std::vector<std::function<void()>> draining_;  // reused by drainPosted()
+  std::atomic<bool> hasPosted_{false};
+  std::function<void()> wake_;
 };
 
 // Advances a virtual clock to `until`, running each due call at its own due
