@@ -95,7 +95,7 @@ class ZelParameter {
   const char* C_codename() const { return codesafeName.c_str(); }
 
   // ---- Value operations (32-bit float arithmetic, no allocation beyond the
-  // strings they fill).
+  // strings they fill). Const and free of shared state: safe on any thread.
   float percentageFromFloatValue(float value) const;
   float normalizedFloatValueFromPercent(float percent, ZelGranularityType granularity) const;
   float normalizeFloatValue(float value, ZelGranularityType granularity) const;
@@ -104,8 +104,9 @@ class ZelParameter {
   float closestCoarseGranularityOptionToValue(float value, std::size_t* atIndex) const;
   float floatValueAfter(float value, bool cyclingForward) const;
   float valueRange() const { return maxValue - minValue; }
-  // Fills `string` with the display text and, when given, `suffix` with the
-  // unit suffix of `fromValue` (both are overwritten, their capacity reused).
+  // Fills `string` (never null) with the display text and, when given,
+  // `suffix` with the unit suffix of `fromValue` (both are overwritten,
+  // their capacity reused).
   void valueString(std::string* string, std::string* suffix, float fromValue) const;
   std::string_view unitSuffixFromUnit(ZelUnit unit) const;
   std::string displayStringFromCueValue(double cueValue) const;
@@ -114,6 +115,23 @@ class ZelParameter {
   // "computedLayout".
   std::unique_ptr<ZelPluginLayout> layoutForFrame(CGRect frame) const;
   CGRectEdge labelEdge() const;
+
+ private:
+  // "formatString" comes from a file and is never handed to printf
+  // unchecked: it is checked once, when the record is built (a later change
+  // of the field is not seen). Accepted: literal text, "%%", and at most one
+  // conversion "%[flags][width][.precision]conv" with flags from "-+ #0",
+  // width and precision of at most two digits each, and conv one of
+  // f F e E g G a A (given the value as a double) or d i (given the value
+  // truncated to an int). Anything else (%s, %n, %p, %c, a second
+  // conversion, a `*` width, a `$` position, a length modifier) makes the
+  // format invalid and its text empty, as does a missing "formatString".
+  enum class FormatArgument : std::uint8_t { Invalid, None, Double, Int };
+  static FormatArgument checkFormat(std::string_view format);
+  // Writes the formatted value into `out` (capacity reused).
+  void formatValue(std::string* out, float value) const;
+
+  FormatArgument formatArgument_ = FormatArgument::Invalid;
 };
 
 ZEL_NAMESPACE_END

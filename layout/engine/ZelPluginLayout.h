@@ -64,6 +64,13 @@ class ZelPluginLayout {
 // 3 max-y); any other edge number gives the diagonal.
 void CGRectEdgeAsTwoPoints(int edge, CGPoint* start, CGPoint* end, CGRect rect);
 
+// The filled half-point rectangles that draw `edges` as hairlines. Both end
+// points are first shifted by (+frame.x / 2, -frame.y / 2): only the frame's
+// origin is used, halved, so callers that draw unshifted pass the zero
+// rectangle. A vertical edge (equal x) gives (s.x, s.y, 0.5, |dy|), any other
+// (s.x, s.y, |dx|, 0.5). The drawing layer fills them in its current colour.
+std::vector<CGRect> ZelHairlineRectsForEdges(const std::vector<ZelLayoutEdge>& edges, CGRect frame);
+
 // A centred strip of `amount` across r: amounts in [0, 1) are fractions of the
 // dimension, negative ones count from the far end, others are points.
 CGRect CGRectTakeFromCenter(bool vertical, CGRect r, double amount);
