@@ -1,0 +1,135 @@
+#include "toolkit/core/ZelShapeLayer.h"
+
+ZEL_NAMESPACE_BEGIN
+
+namespace {
+
+// The area a path's elements can reach (arcs as their full circles: a safe
+// over-estimate); the null rectangle for an empty path.
+CGRect reachOfPath(const ZelPath& path) {
+  CGRect box = CGRectNull;
+  auto addPoint = [&box](CGPoint p) { box = CGRectUnion(box, CGRect{p, {0, 0}}); };
+  CGPoint current{};
+  for (const ZelPathElement& e : path.elements()) {
+    switch (e.type) {
+      case ZelPathElement::Type::MoveTo:
+      case ZelPathElement::Type::LineTo:
+        addPoint(e.p1);
+        current = e.p1;
+        break;
+      case ZelPathElement::Type::ArcTo:
+        // The arc and its lead-in stay within the current point, the corner
+        // and the far point's side (tangent points lie on those edges).
+        addPoint(current);
+        addPoint(e.p1);
+        addPoint(e.p2);
+        current = e.p2;
+        break;
+      case ZelPathElement::Type::Arc:
+        box = CGRectUnion(box, CGRectMake(e.p1.x - e.radius, e.p1.y - e.radius, 2 * e.radius, 2 * e.radius));
+        break;
+      case ZelPathElement::Type::Ellipse:
+        box = CGRectUnion(box, CGRectStandardize(e.rect));
+        break;
+      case ZelPathElement::Type::Close:
+        break;
+    }
+  }
+  return box;
+}
+
+bool shapeStrokes(const std::optional<ZelColor>& stroke, double width) {
+  return stroke && stroke->alpha > 0 && width > 0;
+}
+
+}  // namespace
+
+void ZelShapeLayer::setPath(ZelPath path) {
+  if (path == path_) return;
+  CGRect before = areaBeforeChange();
+  path_ = std::move(path);
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setFillColor(std::optional<ZelColor> c) {
+  if (c == fill_) return;
+  CGRect before = areaBeforeChange();
+  fill_ = c;
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setStrokeColor(std::optional<ZelColor> c) {
+  if (c == stroke_) return;
+  CGRect before = areaBeforeChange();
+  stroke_ = c;
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setLineWidth(double w) {
+  if (w == lineWidth_) return;
+  CGRect before = areaBeforeChange();
+  lineWidth_ = w;
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setLineDashPattern(std::vector<double> pattern) {
+  if (pattern == dashes_) return;
+  CGRect before = areaBeforeChange();
+  dashes_ = std::move(pattern);
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setLineDashPhase(double phase) {
+  if (phase == dashPhase_) return;
+  CGRect before = areaBeforeChange();
+  dashPhase_ = phase;
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setLineCap(ZelLineCap cap) {
+  if (cap == cap_) return;
+  CGRect before = areaBeforeChange();
+  cap_ = cap;
+  contentChanged(before);
+}
+
+void ZelShapeLayer::setLineJoin(ZelLineJoin join) {
+  if (join == join_) return;
+  CGRect before = areaBeforeChange();
+  join_ = join;
+  contentChanged(before);
+}
+
+double ZelShapeLayer::presentationLineDashPhase() const {
+  return presentationDouble(ZelAnimatedProperty::LineDashPhase, dashPhase_);
+}
+
+void ZelShapeLayer::drawContent(ZelGraphicsContext& ctx) {
+  if (path_.empty()) return;
+  if (fill_ && fill_->alpha > 0) {
+    ctx.setFillColor(*fill_);
+    ctx.fillPath(path_);
+  }
+  if (!shapeStrokes(stroke_, lineWidth_)) return;
+  ctx.setStrokeColor(*stroke_);
+  ctx.setLineWidth(lineWidth_);
+  ctx.setLineCap(cap_);
+  ctx.setLineJoin(join_);
+  ctx.setLineDash(presentationLineDashPhase(), dashes_);
+  ctx.strokePath(path_);
+}
+
+CGRect ZelShapeLayer::contentExtent() const {
+  CGRect box = reachOfPath(path_);
+  if (CGRectIsNull(box) || !shapeStrokes(stroke_, lineWidth_)) return box;
+  // Mitred corners reach further than half the line width.
+  double reach = join_ == ZelLineJoin::Miter ? 2 * lineWidth_ : lineWidth_ / 2;
+  return CGRectInset(box, -reach, -reach);
+}
+
+int ZelShapeLayer::contentDrawCount() const {
+  if (path_.empty()) return 0;
+  return (fill_ && fill_->alpha > 0 ? 1 : 0) + (shapeStrokes(stroke_, lineWidth_) ? 1 : 0);
+}
+
+ZEL_NAMESPACE_END
