@@ -29,6 +29,12 @@ inline constexpr char kDot[] = "\xEE\x80\x8E";           // U+E00E dot
 inline constexpr char kPlus[] = "\xEE\x80\x8F";          // U+E00F plus
 inline constexpr char kMinus[] = "\xEE\x80\x90";         // U+E010 minus
 
+// The font's design metrics, in ems: every glyph advances 1 em; the text box
+// of a line is 0.8 em above and 0.2 em below the baseline.
+inline constexpr double kAdvanceEm = 1.0;
+inline constexpr double kAscentEm = 0.8;
+inline constexpr double kDescentEm = 0.2;
+
 // The first and last code points in use.
 inline constexpr char32_t kFirstCodePoint = 0xE000;
 inline constexpr char32_t kLastCodePoint = 0xE010;

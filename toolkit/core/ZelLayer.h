@@ -82,7 +82,7 @@ class ZelLayer {
   double cornerRadius() const { return cornerRadius_; }  // rounds the background and the mask
   void setCornerRadius(double r);
   double opacity() const { return opacity_; }  // 1 by default; applies to the whole subtree
-  void setOpacity(double opacity);
+  virtual void setOpacity(double opacity);
   bool isHidden() const { return hidden_; }  // a hidden layer and its subtree are not drawn
   void setHidden(bool hidden);
   const ZelAffineTransform& transform() const { return transform_; }

@@ -1,5 +1,7 @@
 #include "toolkit/core/ZelShapeLayer.h"
 
+#include <utility>
+
 ZEL_NAMESPACE_BEGIN
 
 namespace {
@@ -48,6 +50,13 @@ void ZelShapeLayer::setPath(ZelPath path) {
   if (path == path_) return;
   CGRect before = areaBeforeChange();
   path_ = std::move(path);
+  contentChanged(before);
+}
+
+void ZelShapeLayer::exchangePath(ZelPath& path) {
+  if (path == path_) return;
+  CGRect before = areaBeforeChange();
+  std::swap(path_, path);
   contentChanged(before);
 }
 

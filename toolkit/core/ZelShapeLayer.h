@@ -20,6 +20,10 @@ class ZelShapeLayer : public ZelLayer {
 
   const ZelPath& path() const { return path_; }
   void setPath(ZelPath path);
+  // Makes `path` the layer's path and hands the previous one back in `path`
+  // (unchanged when both are equal), so that a caller redrawing every frame
+  // can reuse the storage instead of allocating a new path.
+  void exchangePath(ZelPath& path);
   // nullopt: no fill (the platform's nil / clear fill).
   const std::optional<ZelColor>& fillColor() const { return fill_; }
   void setFillColor(std::optional<ZelColor> c);

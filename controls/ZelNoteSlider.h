@@ -1,0 +1,32 @@
+// A slider whose texts are note names: the readout and the cue marks of a
+// parameter whose unit is Note name MIDI notes, 0 = "C-1" to 127 = "G9",
+// with sharps ("C#4" is 61). Other units show their usual texts. Behaves as
+// the vertical slider in every other way.
+//
+// Ownership and threading as ZelVerticalSlider.
+#pragma once
+
+#include <string>
+
+#include "controls/ZelVerticalSlider.h"
+
+ZEL_NAMESPACE_BEGIN
+
+// The name of MIDI note `note` (rounded to the nearest whole note; any
+// integer has one: -1 is "B-2").
+std::string ZelNoteName(float note);
+
+class ZelNoteSlider : public ZelVerticalSlider {
+ public:
+  using ZelVerticalSlider::ZelVerticalSlider;
+
+ protected:
+  void readoutForValue(float value, std::string* text, std::string* suffix) const override;
+  std::string cueTextForValue(float value) const override;
+  bool cueIsInThousands(float value) const override;
+
+ private:
+  bool namesNotes() const { return parameter()->unit == ZelUnit::Note; }
+};
+
+ZEL_NAMESPACE_END
