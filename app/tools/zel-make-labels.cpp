@@ -1,6 +1,7 @@
 // Renders the description's label images and writes them into it.
 //
-// Every clump's and parameter's "labelString" becomes its "label": the text
+// Every clump's and parameter's "labelString" becomes its "label" (a clump
+// only when its layout has an "x" frame to draw its title in): the text
 // in the editor's text face at double resolution, black on transparent (the
 // dark theme draws label images inverted, so they come out light there). The
 // metadata's "pluginName" becomes its "logo": the product's wordmark. Each
@@ -160,6 +161,15 @@ void forEachArrayItem(plist_t array, F f) {
   for (uint32_t i = 0; i < plist_array_get_size(array); ++i) f(plist_array_get_item(array, i));
 }
 
+// Whether a clump's "computedLayout" has the "x" frame its title goes in.
+bool hasTitleFrame(plist_t metadata) {
+  if (!metadata || plist_get_node_type(metadata) != PLIST_DICT) return false;
+  plist_t layout = plist_dict_get_item(metadata, "computedLayout");
+  if (!layout || plist_get_node_type(layout) != PLIST_DICT) return false;
+  plist_t matrix = plist_dict_get_item(layout, "matrix");
+  return matrix && plist_get_node_type(matrix) == PLIST_DICT && plist_dict_get_item(matrix, "x");
+}
+
 // The number of labels written.
 int labelDescription(plist_t root, const std::shared_ptr<ZelCairoText>& text) {
   int count = 0;
@@ -172,7 +182,11 @@ int labelDescription(plist_t root, const std::shared_ptr<ZelCairoText>& text) {
   };
   forEachArrayItem(plist_dict_get_item(root, "clumps"), [&](plist_t clump) {
     if (plist_get_node_type(clump) != PLIST_DICT) return;
-    label(plist_dict_get_item(clump, "metadata"), kClumpSize);
+    plist_t metadata = plist_dict_get_item(clump, "metadata");
+    // A clump's title is drawn in its layout's "x" frame; without one there
+    // is nowhere to draw it (the power strip: its switch names itself).
+    if (hasTitleFrame(metadata)) label(metadata, kClumpSize);
+    else if (metadata && plist_get_node_type(metadata) == PLIST_DICT) plist_dict_remove_item(metadata, "label");
     forEachArrayItem(plist_dict_get_item(clump, "parameters"), [&](plist_t p) { label(p, kParameterSize); });
   });
   plist_t metadata = plist_dict_get_item(root, "metadata");

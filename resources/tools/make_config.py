@@ -213,10 +213,21 @@ CLUMPS = [
     # 130 x 138; the HQ toggle itself is displaced into the corner below the title.
     ("Quality", "Advanced", [HQ],
      grid(2, 6, f0=(0, 0, 1, 3), x=(0, 5, 2, 1))),
-    # The power strip, 62 x 380: the switch at the top.
+    # The power strip, 62 x 380: the switch at the top. No title frame: the
+    # switch's own label already says what it is.
     ("Power", "PowerBox", [MASTER],
-     grid(1, 19, f0=(0, 15, 1, 3), x=(0, 18, 1, 1))),
+     grid(1, 19, f0=(0, 15, 1, 3))),
 ]
+
+# Each clump's accent: the colour its controls fill and glow with. Mid tones
+# that read on the light texture and on the dark one alike.
+CLUMP_COLORS = {
+    "Filter": "#2F8FB8", "Degrade": "#D9822B", "Output": "#5E9E4B",
+    "Noise": "#B0644B", "Stereo": "#2F8FB8", "Quality": "#D9822B", "Power": "#D9822B",
+}
+for _name, _kind, _params, _layout in CLUMPS:
+    for _p in _params:
+        _p.setdefault("color", CLUMP_COLORS[_name])
 
 # Editor layouts, indexed by clump position (cid).
 CLUMPS_LAYOUT = grid(6, 1, f0=(0, 0, 2, 1), f1=(2, 0, 2, 1), f2=(4, 0, 2, 1))
