@@ -18,19 +18,6 @@ ZelAffineTransform geometryFor(const CGRect& frame, const ZelAffineTransform& t)
   return toCentre.after(t.after(ZelAffineTransform::translation(-w / 2, -h / 2)));
 }
 
-ZelPath roundedRectPath(const CGRect& r, double radius) {
-  radius = std::min(radius, std::min(r.size.width, r.size.height) / 2);
-  double x0 = CGRectGetMinX(r), y0 = CGRectGetMinY(r), x1 = CGRectGetMaxX(r), y1 = CGRectGetMaxY(r);
-  ZelPath p;
-  p.moveTo({x0 + radius, y0});
-  p.arcTo({x1, y0}, {x1, y1}, radius);
-  p.arcTo({x1, y1}, {x0, y1}, radius);
-  p.arcTo({x0, y1}, {x0, y0}, radius);
-  p.arcTo({x0, y0}, {x1, y0}, radius);
-  p.close();
-  return p;
-}
-
 // A transform whose scale is replaced by a uniform `scale` (translation kept).
 ZelAffineTransform withScale(ZelAffineTransform t, double scale) {
   t.a = t.d = scale;
@@ -465,12 +452,12 @@ void ZelLayer::drawBackground(ZelGraphicsContext& ctx) {
   ZelColor color = presentationBackgroundColor();
   if (color.alpha <= 0 || CGRectIsEmpty(bounds())) return;
   ctx.setFillColor(color);
-  if (cornerRadius_ > 0) ctx.fillPath(roundedRectPath(bounds(), cornerRadius_));
+  if (cornerRadius_ > 0) ctx.fillPath(ZelPath::roundedRect(bounds(), cornerRadius_));
   else ctx.fillRect(bounds());
 }
 
 void ZelLayer::clipToBounds(ZelGraphicsContext& ctx) {
-  if (cornerRadius_ > 0) ctx.clipToPath(roundedRectPath(bounds(), cornerRadius_));
+  if (cornerRadius_ > 0) ctx.clipToPath(ZelPath::roundedRect(bounds(), cornerRadius_));
   else ctx.clipToRect(bounds());
 }
 

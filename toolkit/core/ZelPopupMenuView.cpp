@@ -12,18 +12,6 @@ constexpr ZelFont kMenuFont{ZelFontFace::Medium, ZelPopupMenuView::kFontSize};
 // without a drawing context at hand when the menu opens.
 constexpr double kAdvancePerCharacter = 0.62;
 
-ZelPath roundedRect(CGRect r, double radius) {
-  double x0 = r.origin.x, y0 = r.origin.y, x1 = x0 + r.size.width, y1 = y0 + r.size.height;
-  ZelPath p;
-  p.moveTo({x0 + radius, y0});
-  p.arcTo({x1, y0}, {x1, y1}, radius);
-  p.arcTo({x1, y1}, {x0, y1}, radius);
-  p.arcTo({x0, y1}, {x0, y0}, radius);
-  p.arcTo({x0, y0}, {x1, y0}, radius);
-  p.close();
-  return p;
-}
-
 std::size_t characterCount(const std::string& utf8) {
   return static_cast<std::size_t>(
       std::count_if(utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
@@ -101,7 +89,7 @@ void ZelPopupMenuView::moveHighlight(int direction) {
 
 void ZelPopupMenuView::drawRect(ZelGraphicsContext& ctx, CGRect dirtyRect) {
   (void)dirtyRect;
-  ZelPath panel = roundedRect(CGRectInset(bounds(), 0.5, 0.5), kCornerRadius);
+  ZelPath panel = ZelPath::roundedRect(CGRectInset(bounds(), 0.5, 0.5), kCornerRadius);
   ctx.setShadow({0, -2}, 6, ZelColor::grey(0, 0.3));
   ctx.setFillColor(ZelColor::grey(0.97));
   ctx.fillPath(panel);
@@ -123,7 +111,7 @@ void ZelPopupMenuView::drawItem(ZelGraphicsContext& ctx, int index) {
   bool highlighted = index == highlighted_;
   if (highlighted) {
     ctx.setFillColor(ZelColor::rgb(0.22, 0.46, 0.88));
-    ctx.fillPath(roundedRect(CGRectInset(row, 4, 0), 3));
+    ctx.fillPath(ZelPath::roundedRect(CGRectInset(row, 4, 0), 3));
   }
   ZelColor text = highlighted ? ZelColor::grey(1) : item.enabled ? ZelColor::grey(0.1) : ZelColor::grey(0.62);
   ZelTextMetrics m = ctx.measureText(item.title, kMenuFont);

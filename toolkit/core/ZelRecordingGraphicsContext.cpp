@@ -7,8 +7,6 @@ ZEL_NAMESPACE_BEGIN
 
 namespace {
 
-void include(CGRect& box, CGPoint p) { box = CGRectUnion(box, CGRect{p, {0, 0}}); }
-
 std::size_t codePointCount(std::string_view utf8) {
   std::size_t n = 0;
   for (char c : utf8) {
@@ -18,31 +16,6 @@ std::size_t codePointCount(std::string_view utf8) {
 }
 
 }  // namespace
-
-CGRect ZelPathBoundingBox(const ZelPath& path) {
-  CGRect box = CGRectNull;
-  for (const ZelPathElement& e : path.elements()) {
-    switch (e.type) {
-      case ZelPathElement::Type::MoveTo:
-      case ZelPathElement::Type::LineTo:
-        include(box, e.p1);
-        break;
-      case ZelPathElement::Type::ArcTo:  // inside the corner's triangle
-        include(box, e.p1);
-        include(box, e.p2);
-        break;
-      case ZelPathElement::Type::Arc:
-        box = CGRectUnion(box, CGRectMake(e.p1.x - e.radius, e.p1.y - e.radius, 2 * e.radius, 2 * e.radius));
-        break;
-      case ZelPathElement::Type::Ellipse:
-        box = CGRectUnion(box, CGRectStandardize(e.rect));
-        break;
-      case ZelPathElement::Type::Close:
-        break;
-    }
-  }
-  return box;
-}
 
 ZelRecordingGraphicsContext::ZelRecordingGraphicsContext(CGRect bounds, double backingScale)
     : scale_(backingScale) {
@@ -101,7 +74,7 @@ void ZelRecordingGraphicsContext::clipToRect(CGRect r) {
   state().clip = CGRectIntersection(state().clip, state().transform.apply(CGRectStandardize(r)));
 }
 
-void ZelRecordingGraphicsContext::clipToPath(const ZelPath& p) { clipToRect(ZelPathBoundingBox(p)); }
+void ZelRecordingGraphicsContext::clipToPath(const ZelPath& p) { clipToRect(p.boundingBox()); }
 
 CGRect ZelRecordingGraphicsContext::clipBoundingBox() const {
   if (CGRectIsNull(state().clip)) return CGRectNull;
@@ -150,11 +123,11 @@ void ZelRecordingGraphicsContext::record(ZelRecordedCall::Kind kind, CGRect user
 void ZelRecordingGraphicsContext::fillRect(CGRect r) { record(ZelRecordedCall::Kind::FillRect, CGRectStandardize(r)); }
 
 void ZelRecordingGraphicsContext::fillPath(const ZelPath& p) {
-  record(ZelRecordedCall::Kind::FillPath, ZelPathBoundingBox(p));
+  record(ZelRecordedCall::Kind::FillPath, p.boundingBox());
 }
 
 void ZelRecordingGraphicsContext::strokePath(const ZelPath& p) {
-  CGRect box = ZelPathBoundingBox(p);
+  CGRect box = p.boundingBox();
   double half = state().lineWidth / 2;
   record(ZelRecordedCall::Kind::StrokePath, CGRectIsNull(box) ? box : CGRectInset(box, -half, -half));
 }

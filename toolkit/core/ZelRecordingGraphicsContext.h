@@ -129,7 +129,4 @@ class ZelRecordingGraphicsContext : public ZelBitmapContext {
   int pixelWidth_ = 0, pixelHeight_ = 0;
 };
 
-// The bounding box of a path's elements (arcs by their full circles).
-CGRect ZelPathBoundingBox(const ZelPath& path);
-
 ZEL_NAMESPACE_END

@@ -6,40 +6,6 @@ ZEL_NAMESPACE_BEGIN
 
 namespace {
 
-// The area a path's elements can reach (arcs as their full circles: a safe
-// over-estimate); the null rectangle for an empty path.
-CGRect reachOfPath(const ZelPath& path) {
-  CGRect box = CGRectNull;
-  auto addPoint = [&box](CGPoint p) { box = CGRectUnion(box, CGRect{p, {0, 0}}); };
-  CGPoint current{};
-  for (const ZelPathElement& e : path.elements()) {
-    switch (e.type) {
-      case ZelPathElement::Type::MoveTo:
-      case ZelPathElement::Type::LineTo:
-        addPoint(e.p1);
-        current = e.p1;
-        break;
-      case ZelPathElement::Type::ArcTo:
-        // The arc and its lead-in stay within the current point, the corner
-        // and the far point's side (tangent points lie on those edges).
-        addPoint(current);
-        addPoint(e.p1);
-        addPoint(e.p2);
-        current = e.p2;
-        break;
-      case ZelPathElement::Type::Arc:
-        box = CGRectUnion(box, CGRectMake(e.p1.x - e.radius, e.p1.y - e.radius, 2 * e.radius, 2 * e.radius));
-        break;
-      case ZelPathElement::Type::Ellipse:
-        box = CGRectUnion(box, CGRectStandardize(e.rect));
-        break;
-      case ZelPathElement::Type::Close:
-        break;
-    }
-  }
-  return box;
-}
-
 bool shapeStrokes(const std::optional<ZelColor>& stroke, double width) {
   return stroke && stroke->alpha > 0 && width > 0;
 }
@@ -129,7 +95,7 @@ void ZelShapeLayer::drawContent(ZelGraphicsContext& ctx) {
 }
 
 CGRect ZelShapeLayer::contentExtent() const {
-  CGRect box = reachOfPath(path_);
+  CGRect box = path_.boundingBox();
   if (CGRectIsNull(box) || !shapeStrokes(stroke_, lineWidth_)) return box;
   // Mitred corners reach further than half the line width.
   double reach = join_ == ZelLineJoin::Miter ? 2 * lineWidth_ : lineWidth_ / 2;

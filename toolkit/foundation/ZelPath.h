@@ -55,6 +55,14 @@ class ZelPath {
   }
   void close() { add(element(ZelPathElement::Type::Close, {})); }
 
+  // A closed rounded rectangle at the rectangle's own position (the radius
+  // is limited to half the shorter side).
+  static ZelPath roundedRect(CGRect r, double radius);
+  // The area the elements can reach (arcs by their full circles, a tangent
+  // arc by its lead-in from the current point, its corner and its far
+  // point: a safe over-estimate); the null rectangle for an empty path.
+  CGRect boundingBox() const;
+
   const std::vector<ZelPathElement>& elements() const { return elements_; }
   bool empty() const { return elements_.empty(); }
   void clear() { elements_.clear(); }
