@@ -87,12 +87,25 @@ TEST(WindowMouse, RightClickAndCommandClickOpenTheNearestViewsMenu) {
   EXPECT_TRUE(f.log.empty());  // no view saw a mouse-down
   f.window.closeMenu();
 
+  // Ctrl+click: held back while it could still become a (fine) drag; a
+  // release within the slop opens the menu and no view sees the press.
   f.window.sendEvent(click(T::LeftMouseDown, 50, 50, ZelEventModifierCommand));
+  EXPECT_EQ(f.window.openMenu(), nullptr);
+  f.window.sendEvent(click(T::LeftMouseDragged, 52, 51, ZelEventModifierCommand));  // within the slop
+  f.window.sendEvent(click(T::LeftMouseUp, 52, 51, ZelEventModifierCommand));
   ASSERT_NE(f.window.openMenu(), nullptr);
-  f.window.sendEvent(click(T::LeftMouseUp, 50, 50, ZelEventModifierCommand));  // released where pressed
-  EXPECT_NE(f.window.openMenu(), nullptr);
+  EXPECT_EQ(f.window.openMenu()->title(), "Parent");
   EXPECT_TRUE(f.log.empty());
   f.window.closeMenu();
+
+  // Ctrl+drag past the slop: the press is delivered where it happened, then
+  // the drag and the release; no menu.
+  f.window.sendEvent(click(T::LeftMouseDown, 50, 50, ZelEventModifierCommand));
+  f.window.sendEvent(click(T::LeftMouseDragged, 50, 60, ZelEventModifierCommand));
+  f.window.sendEvent(click(T::LeftMouseUp, 50, 60, ZelEventModifierCommand));
+  EXPECT_EQ(f.window.openMenu(), nullptr);
+  EXPECT_EQ(f.log, (Log{"parent:down", "parent:drag", "parent:up"}));
+  f.log.clear();
 
   // Without a menu anywhere up the tree, the right click is delivered.
   f.window.sendEvent(click(T::RightMouseDown, 210, 10));

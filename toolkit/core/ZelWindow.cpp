@@ -82,6 +82,7 @@ void ZelWindow::viewWillLeaveWindow(ZelView* view) {
   if (firstResponder_ == view) firstResponder_ = nullptr;
   if (mouseView_ == view) mouseView_ = nullptr;  // the rest of this press goes nowhere
   if (menuOwner_ == view) closeMenu();
+  if (heldPress_ && (heldPress_->view == view || heldPress_->menuOwner == view)) heldPress_.reset();
 }
 
 // ---- Events.
@@ -127,22 +128,55 @@ bool ZelWindow::routeMouseDown(const ZelEvent& event) {
     setKeyWindow(true);
     if (!hit->acceptsFirstMouse(event)) return true;
   }
-  bool menuClick = event.type == ZelEventType::RightMouseDown ||
-                   (commandClickMenu_ && event.has(ZelEventModifierCommand));
-  if (menuClick && openContextMenu(hit, event)) return true;
   if (event.type == ZelEventType::RightMouseDown) {
-    hit->rightMouseDown(event);
+    if (!openContextMenu(hit, event)) hit->rightMouseDown(event);
     return true;
   }
+  if (commandClickMenu_ && event.has(ZelEventModifierCommand) && holdCommandPress(hit, event)) return true;
+  deliverMouseDown(hit, event);
+  return true;
+}
+
+void ZelWindow::deliverMouseDown(ZelView* hit, const ZelEvent& event) {
   // Responder changes run code that may remove the view: viewWillLeaveWindow
   // then clears mouseView_.
   mouseView_ = hit;
   if (hit->acceptsFirstResponder()) makeFirstResponder(hit);
   if (mouseView_) mouseView_->mouseDown(event);
-  return true;
+}
+
+// Holds a Ctrl+press back when some view under it offers a menu.
+bool ZelWindow::holdCommandPress(ZelView* hit, const ZelEvent& event) {
+  for (ZelView* v = hit; v; v = v->superview()) {
+    if (std::unique_ptr<ZelMenu> menu = v->menuForEvent(event)) {
+      heldPress_ = HeldPress{event, hit, std::move(menu), v};
+      return true;
+    }
+  }
+  return false;
+}
+
+// A drag past the slop turns the held press into a press and a drag; a
+// release within it opens the menu. True when the event was consumed here.
+bool ZelWindow::resolveHeldPress(const ZelEvent& event) {
+  HeldPress held = std::move(*heldPress_);
+  heldPress_.reset();
+  if (event.type == ZelEventType::LeftMouseUp) {
+    if (held.menuOwner) popUpMenu(std::move(held.menu), held.down.locationInWindow, held.menuOwner);
+    return true;
+  }
+  double dx = event.locationInWindow.x - held.down.locationInWindow.x;
+  double dy = event.locationInWindow.y - held.down.locationInWindow.y;
+  if (dx * dx + dy * dy <= kClickSlop * kClickSlop) {
+    heldPress_ = std::move(held);  // still undecided
+    return true;
+  }
+  if (held.view) deliverMouseDown(held.view, held.down);
+  return false;
 }
 
 bool ZelWindow::routeMouseDragOrUp(const ZelEvent& event) {
+  if (heldPress_ && resolveHeldPress(event)) return true;
   ZelView* target = mouseView_;
   if (event.type == ZelEventType::LeftMouseUp) {
     mouseView_ = nullptr;

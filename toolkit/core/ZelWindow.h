@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -82,8 +83,13 @@ class ZelWindow {
   // The modifier keys held at the last event.
   ZelEventModifierFlags currentModifierFlags() const { return modifiers_; }
   // Whether Ctrl+click (the Command flag on a left mouse-down) opens the
-  // context menu like the right button does. On by default.
+  // context menu like the right button does. On by default. Ctrl is also
+  // the key for fine adjustment, so the press is held back until it is
+  // clear which it is: released within kClickSlop points it opens the menu
+  // (the view never sees the press); moved further it is delivered as an
+  // ordinary press and drag.
   void setCommandClickOpensMenu(bool on) { commandClickMenu_ = on; }
+  static constexpr double kClickSlop = 3;
 
   // The view under a point in window coordinates (an open menu first).
   ZelView* hitTest(CGPoint pointInWindow) const;
@@ -126,6 +132,9 @@ class ZelWindow {
  private:
   bool routeMouseDown(const ZelEvent& event);
   bool routeMouseDragOrUp(const ZelEvent& event);
+  bool holdCommandPress(ZelView* hit, const ZelEvent& event);
+  bool resolveHeldPress(const ZelEvent& event);
+  void deliverMouseDown(ZelView* hit, const ZelEvent& event);
   bool routeKey(const ZelEvent& event);
   bool routeMenuEvent(const ZelEvent& event);
   void menuKeyDown(const ZelEvent& event);
@@ -143,6 +152,14 @@ class ZelWindow {
   ZelView* mouseView_ = nullptr;
   bool keyWindow_ = false;
   bool commandClickMenu_ = true;
+  // A Ctrl+press held back until it turns out a click (menu) or a drag.
+  struct HeldPress {
+    ZelEvent down;
+    ZelView* view = nullptr;
+    std::unique_ptr<ZelMenu> menu;
+    ZelView* menuOwner = nullptr;
+  };
+  std::optional<HeldPress> heldPress_;
   ZelEventModifierFlags modifiers_ = 0;
   std::function<void(bool)> keyHandler_;
   ZelDirtyRegion dirty_;
