@@ -5,28 +5,12 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <memory>
-#include <new>
 
+#include "bench/support/AllocationCounter.h"
 #include "toolkit/core/ZelFrameClock.h"
 #include "toolkit/core/ZelLayer.h"
 #include "toolkit/core/ZelShapeLayer.h"
-
-// Counts heap allocations, to show that a steady animation frame makes none.
-static std::atomic<std::size_t> gAllocations{0};
-void* operator new(std::size_t n) {
-  gAllocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(n ? n : 1)) return p;
-  throw std::bad_alloc();
-}
-// The replacement pairs malloc with free by construction.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-#pragma GCC diagnostic pop
 
 using namespace zel;
 
@@ -138,11 +122,11 @@ void BM_AnimationFrameTick(benchmark::State& state) {
     l->addAnimation(dashes(), "PhaseShift");
   }
   scene.frame();  // the first frame sizes the clock's buffers
-  std::size_t allocationsBefore = gAllocations.load();
+  std::size_t allocationsBefore = ZelAllocationCount();
   for (auto _ : state) scene.frame();
   state.counters["layers"] = double(scene.clock.animatingLayerCount());
   state.counters["allocations_per_frame"] =
-      double(gAllocations.load() - allocationsBefore) / double(state.iterations());
+      double(ZelAllocationCount() - allocationsBefore) / double(state.iterations());
 }
 BENCHMARK(BM_AnimationFrameTick)->Arg(40);
 
@@ -154,13 +138,13 @@ void BM_AnimationFrameTickAndDraw(benchmark::State& state) {
   }
   NullContext ctx;
   scene.frame();
-  std::size_t allocationsBefore = gAllocations.load();
+  std::size_t allocationsBefore = ZelAllocationCount();
   for (auto _ : state) {
     scene.frame();
     scene.root.render(ctx);
   }
   state.counters["allocations_per_frame"] =
-      double(gAllocations.load() - allocationsBefore) / double(state.iterations());
+      double(ZelAllocationCount() - allocationsBefore) / double(state.iterations());
 }
 BENCHMARK(BM_AnimationFrameTickAndDraw)->Arg(40);
 

@@ -50,14 +50,7 @@ class LabelledView : public ZelView {
       : ZelView(frame), label_(std::move(label)), value_(std::move(value)) {}
   void drawRect(ZelGraphicsContext& ctx, CGRect) override {
     CGRect b = bounds();
-    ZelPath well;
-    double x0 = 4, y0 = 20, x1 = b.size.width - 4, y1 = b.size.height - 4, r = 6;
-    well.moveTo({(x0 + x1) / 2, y0});
-    well.arcTo({x1, y0}, {x1, y1}, r);
-    well.arcTo({x1, y1}, {x0, y1}, r);
-    well.arcTo({x0, y1}, {x0, y0}, r);
-    well.arcTo({x0, y0}, {x1, y0}, r);
-    well.close();
+    ZelPath well = ZelPath::roundedRect(CGRectMake(4, 20, b.size.width - 8, b.size.height - 24), 6);
     ctx.setFillColor(ZelColor::grey(0, 0.06));
     ctx.fillPath(well);
     ctx.setFillColor(ZelColor::grey(0.1));

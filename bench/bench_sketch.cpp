@@ -5,29 +5,14 @@
 // allocations per frame, which should be none.
 #include <benchmark/benchmark.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <vector>
 
+#include "bench/support/AllocationCounter.h"
 #include "model/ZelConfig.h"
 #include "sketch/ZelVantryParameterSketch.h"
 #include "toolkit/core/ZelLayer.h"
 #include "toolkit/foundation/ZelPlist.h"
-
-static std::atomic<std::size_t> gAllocations{0};
-void* operator new(std::size_t n) {
-  gAllocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(n ? n : 1)) return p;
-  throw std::bad_alloc();
-}
-// The replacement pairs malloc with free by construction.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-#pragma GCC diagnostic pop
 
 using namespace zel;
 
@@ -65,7 +50,7 @@ void BM_SketchFrame(benchmark::State& state) {
   bool toB = true;
   sketch.updateWithParameterValues(b, changes, true);
   for (int i = 0; i < 4; ++i) sketch.getFrameWithDuration(1.0 / 60);  // warm the path storage
-  const std::size_t before = gAllocations.load();
+  const std::size_t before = ZelAllocationCount();
   std::size_t frames = 0;
   for (auto _ : state) {
     if (!sketch.isInterpolating()) {
@@ -77,7 +62,7 @@ void BM_SketchFrame(benchmark::State& state) {
     ++frames;
   }
   state.counters["allocs/frame"] =
-      benchmark::Counter(static_cast<double>(gAllocations.load() - before) / static_cast<double>(frames));
+      benchmark::Counter(static_cast<double>(ZelAllocationCount() - before) / static_cast<double>(frames));
 }
 BENCHMARK(BM_SketchFrame)->Unit(benchmark::kMicrosecond);
 

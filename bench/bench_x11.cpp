@@ -7,30 +7,14 @@
 //   DISPLAY=:N bench_x11 --benchmark_repetitions=9
 #include <benchmark/benchmark.h>
 
-#include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
-#include <new>
 
+#include "bench/support/AllocationCounter.h"
 #include "toolkit/core/ZelView.h"
 #include "toolkit/x11/ZelX11WindowHost.h"
 
 #include <X11/Xlib.h>
-
-// Counts heap allocations, to show that an idle pump makes none.
-static std::atomic<std::size_t> gAllocations{0};
-void* operator new(std::size_t n) {
-  gAllocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(n ? n : 1)) return p;
-  throw std::bad_alloc();
-}
-// The replacement pairs malloc with free by construction.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-#pragma GCC diagnostic pop
 
 using namespace zel;
 
@@ -90,9 +74,9 @@ Scene* sceneFor(int scale) {
 void BM_IdlePump(benchmark::State& state) {
   Scene* scene = sceneFor(1);
   if (!scene) return state.SkipWithError("cannot open the display");
-  std::size_t before = gAllocations.load();
+  std::size_t before = ZelAllocationCount();
   for (auto _ : state) benchmark::DoNotOptimize(scene->host->pump());
-  state.counters["allocations"] = static_cast<double>(gAllocations.load() - before);
+  state.counters["allocations"] = static_cast<double>(ZelAllocationCount() - before);
 }
 BENCHMARK(BM_IdlePump)->Unit(benchmark::kMicrosecond);
 

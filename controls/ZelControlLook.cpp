@@ -79,19 +79,9 @@ ZelControlLook ZelControlLook::current(const ZelParameter* parameter, bool dimme
   return look;
 }
 
-ZelPath ZelRoundedRectPath(CGRect r, double radius) {
-  r = CGRectStandardize(r);
-  radius = std::clamp(radius, 0.0, std::min(r.size.width, r.size.height) / 2);
-  double x0 = r.origin.x, y0 = r.origin.y, x1 = x0 + r.size.width, y1 = y0 + r.size.height;
-  ZelPath path;
-  path.moveTo({x0 + radius, y0});
-  path.arcTo({x1, y0}, {x1, y1}, radius);
-  path.arcTo({x1, y1}, {x0, y1}, radius);
-  path.arcTo({x0, y1}, {x0, y0}, radius);
-  path.arcTo({x0, y0}, {x1, y0}, radius);
-  path.close();
-  return path;
-}
+// ZelPath::roundedRect caps the radius at half the shorter side; a negative
+// one draws square corners here.
+ZelPath ZelRoundedRectPath(CGRect r, double radius) { return ZelPath::roundedRect(r, std::max(radius, 0.0)); }
 
 double ZelSnapToPixel(const ZelGraphicsContext& ctx, double value) {
   double scale = ctx.backingScale() > 0 ? ctx.backingScale() : 1;

@@ -110,14 +110,10 @@ void ZelSymbolButton::setWarning(bool warning) {
   warning_ = warning;
   warningLight_->setOpacity(warning ? 1 : 0);
   if (!changed) return;
-  ZelBasicAnimation pulse("transform.scale");
-  pulse.setFromValue(1.0);
-  pulse.setToValue(1.2);
+  // The standard pulse, slower and six times over.
+  ZelBasicAnimation pulse = ZelStandardPulseAnimation();
   pulse.setDuration(0.33);
-  pulse.setTimingFunction(ZelTimingFunction::easeOut());
-  pulse.setAutoreverses(true);
   pulse.setRepeatCount(6);
-  pulse.setRemovedOnCompletion(true);
   warningLight_->addAnimation(pulse, "pulse");
 }
 

@@ -17,18 +17,6 @@ std::shared_ptr<ZelCairoText> sharedText() {
   return text;
 }
 
-ZelPath roundedRect(CGRect r, double radius) {
-  double x0 = r.origin.x, y0 = r.origin.y, x1 = x0 + r.size.width, y1 = y0 + r.size.height;
-  ZelPath p;
-  p.moveTo({(x0 + x1) / 2, y0});
-  p.arcTo({x1, y0}, {x1, y1}, radius);
-  p.arcTo({x1, y1}, {x0, y1}, radius);
-  p.arcTo({x0, y1}, {x0, y0}, radius);
-  p.arcTo({x0, y0}, {x1, y0}, radius);
-  p.close();
-  return p;
-}
-
 }  // namespace
 
 TEST(CairoContext, RootSpaceIsYUpAndScaledByTheBackingScale) {
@@ -179,7 +167,7 @@ TEST(CairoContext, ArcToMakesTangentCornersAndArcsRunCounterClockwise) {
 
   // A 40 × 40 square with corners of radius 10.
   Canvas c(40, 40, 1, sharedText());
-  c.ctx->fillPath(roundedRect(CGRectMake(0, 0, 40, 40), 10));
+  c.ctx->fillPath(ZelPath::roundedRect(CGRectMake(0, 0, 40, 40), 10));
   for (auto [x, y] : {std::pair{0, 0}, {39, 0}, {0, 39}, {39, 39}, {1, 1}}) EXPECT_EQ(c.alpha(x, y), 0);
   for (auto [x, y] : {std::pair{5, 5}, {34, 34}, {20, 0}, {0, 20}, {39, 20}}) EXPECT_EQ(c.alpha(x, y), 255);
   // The rounding is a circle of radius 10: a pixel whose centre is 9.2 away

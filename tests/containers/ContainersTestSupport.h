@@ -3,30 +3,17 @@
 #pragma once
 
 #include <memory>
-#include <ostream>
 #include <vector>
 
 #include "controls/ZelFloatControl.h"
 #include "model/ZelConfig.h"
+#include "tests/support/GeometryPrinting.h"
+#include "tests/support/PlistShorthand.h"
 #include "toolkit/core/ZelRecordingGraphicsContext.h"
-
-ZEL_NAMESPACE_BEGIN
-inline void PrintTo(const CGRect& r, std::ostream* os) {
-  *os << "(" << r.origin.x << ", " << r.origin.y << ", " << r.size.width << ", " << r.size.height << ")";
-}
-ZEL_NAMESPACE_END
 
 namespace zel::containers_test {
 
-using Dict = ZelPlist::Dictionary;
-using Array = ZelPlist::Array;
-
-inline ZelPlist N(double v) { return ZelPlist::real(v); }
-inline ZelPlist I(std::int64_t v) { return ZelPlist::integer(v); }
-inline ZelPlist S(const char* s) { return ZelPlist::string(s); }
-inline ZelPlist B(bool b) { return ZelPlist::boolean(b); }
-inline ZelPlist D(Dict d) { return ZelPlist::dictionary(std::move(d)); }
-inline ZelPlist A(Array a) { return ZelPlist::array(std::move(a)); }
+using namespace plist_shorthand;
 
 // A grid cell of a layout dictionary.
 inline ZelPlist Cell(int x, int y, int w, int h) {

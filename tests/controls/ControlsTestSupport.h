@@ -3,20 +3,14 @@
 #pragma once
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include "controls/ZelParameterControl.h"
+#include "tests/support/GeometryPrinting.h"
 #include "toolkit/core/ZelPlatformWindow.h"
 #include "toolkit/core/ZelWindow.h"
 #include "toolkit/foundation/ZelRunLoop.h"
-
-ZEL_NAMESPACE_BEGIN
-inline void PrintTo(const CGRect& r, std::ostream* os) {
-  *os << "(" << r.origin.x << ", " << r.origin.y << ", " << r.size.width << ", " << r.size.height << ")";
-}
-ZEL_NAMESPACE_END
 
 namespace zel::testing {
 

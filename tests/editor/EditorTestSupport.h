@@ -13,20 +13,13 @@
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelPresetBar.h"
 #include "model/ZelConfig.h"
+#include "tests/support/PlistShorthand.h"
 #include "toolkit/core/ZelPlatformWindow.h"
 #include "toolkit/core/ZelWindow.h"
 
 namespace zel::editor_test {
 
-using Dict = ZelPlist::Dictionary;
-using Array = ZelPlist::Array;
-
-inline ZelPlist N(double v) { return ZelPlist::real(v); }
-inline ZelPlist I(std::int64_t v) { return ZelPlist::integer(v); }
-inline ZelPlist S(const char* s) { return ZelPlist::string(s); }
-inline ZelPlist B(bool b) { return ZelPlist::boolean(b); }
-inline ZelPlist D(Dict d) { return ZelPlist::dictionary(std::move(d)); }
-inline ZelPlist A(Array a) { return ZelPlist::array(std::move(a)); }
+using namespace plist_shorthand;
 inline ZelPlist Names(std::vector<const char*> names) {
   Array a;
   for (const char* n : names) a.push_back(S(n));

@@ -2,15 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
+#include "tests/support/GeometryPrinting.h"
 
 using namespace zel;
-
-ZEL_NAMESPACE_BEGIN
-void PrintTo(const CGRect& r, std::ostream* os) {
-  *os << "(" << r.origin.x << ", " << r.origin.y << ", " << r.size.width << ", " << r.size.height << ")";
-}
-ZEL_NAMESPACE_END
 
 namespace {
 

@@ -7,13 +7,12 @@
 #include <ostream>
 #include <string>
 
+#include "tests/support/GeometryPrinting.h"
+
 using namespace zel;
 
 ZEL_NAMESPACE_BEGIN
 // Readable failures.
-void PrintTo(const CGRect& r, std::ostream* os) {
-  *os << "(" << r.origin.x << ", " << r.origin.y << ", " << r.size.width << ", " << r.size.height << ")";
-}
 void PrintTo(const ZelLayoutEdge& e, std::ostream* os) {
   *os << "(" << e.start.x << ", " << e.start.y << ")-(" << e.end.x << ", " << e.end.y << ")";
 }

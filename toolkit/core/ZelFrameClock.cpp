@@ -1,10 +1,35 @@
 #include "toolkit/core/ZelFrameClock.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "toolkit/core/ZelLayer.h"
 
 ZEL_NAMESPACE_BEGIN
+
+namespace {
+
+// The layer and client lists: an entry is added once; one removed during a
+// tick is only marked (null) and compacted when the tick ends.
+template <class T>
+void addOnce(std::vector<T*>& list, T* entry) {
+  if (std::find(list.begin(), list.end(), entry) == list.end()) list.push_back(entry);
+}
+
+template <class T>
+void removeEntry(std::vector<T*>& list, T* entry, bool ticking) {
+  auto it = std::find(list.begin(), list.end(), entry);
+  if (it == list.end()) return;
+  if (ticking) *it = nullptr;
+  else list.erase(it);
+}
+
+template <class T>
+std::size_t liveEntries(const std::vector<T*>& list) {
+  return list.size() - static_cast<std::size_t>(std::count(list.begin(), list.end(), nullptr));
+}
+
+}  // namespace
 
 ZelFrameClock::ZelFrameClock(ZelRunLoop& runLoop, double framesPerSecond)
     : runLoop_(runLoop), fps_(framesPerSecond > 0 ? framesPerSecond : 60) {}
@@ -24,36 +49,22 @@ void ZelFrameClock::setFramesPerSecond(double fps) {
 }
 
 void ZelFrameClock::addAnimatingLayer(ZelLayer& layer) {
-  if (std::find(layers_.begin(), layers_.end(), &layer) == layers_.end()) layers_.push_back(&layer);
+  addOnce(layers_, &layer);
   ensureScheduled();
 }
 
-void ZelFrameClock::removeAnimatingLayer(ZelLayer& layer) {
-  auto it = std::find(layers_.begin(), layers_.end(), &layer);
-  if (it == layers_.end()) return;
-  if (ticking_) *it = nullptr;  // compacted when the tick ends
-  else layers_.erase(it);
-}
+void ZelFrameClock::removeAnimatingLayer(ZelLayer& layer) { removeEntry(layers_, &layer, ticking_); }
 
-std::size_t ZelFrameClock::animatingLayerCount() const {
-  return std::count_if(layers_.begin(), layers_.end(), [](ZelLayer* l) { return l != nullptr; });
-}
+std::size_t ZelFrameClock::animatingLayerCount() const { return liveEntries(layers_); }
 
 void ZelFrameClock::addClient(ZelFrameClockClient& client) {
-  if (std::find(clients_.begin(), clients_.end(), &client) == clients_.end()) clients_.push_back(&client);
+  addOnce(clients_, &client);
   ensureScheduled();
 }
 
-void ZelFrameClock::removeClient(ZelFrameClockClient& client) {
-  auto it = std::find(clients_.begin(), clients_.end(), &client);
-  if (it == clients_.end()) return;
-  if (ticking_) *it = nullptr;
-  else clients_.erase(it);
-}
+void ZelFrameClock::removeClient(ZelFrameClockClient& client) { removeEntry(clients_, &client, ticking_); }
 
-std::size_t ZelFrameClock::clientCount() const {
-  return std::count_if(clients_.begin(), clients_.end(), [](ZelFrameClockClient* c) { return c != nullptr; });
-}
+std::size_t ZelFrameClock::clientCount() const { return liveEntries(clients_); }
 
 void ZelFrameClock::ensureScheduled() {
   if (pending_ || ticking_) return;  // a tick in progress reschedules at its end

@@ -83,12 +83,7 @@ void ZelLayer::setBackgroundColor(const ZelColor& c) {
   contentChanged(before);
 }
 
-void ZelLayer::setCornerRadius(double r) {
-  if (r == cornerRadius_) return;
-  CGRect before = areaBeforeChange();
-  cornerRadius_ = r;
-  contentChanged(before);
-}
+void ZelLayer::setCornerRadius(double r) { changeContent(cornerRadius_, r); }
 
 void ZelLayer::setOpacity(double opacity) {
   if (opacity == opacity_) return;
@@ -115,12 +110,7 @@ void ZelLayer::setTransform(const ZelAffineTransform& t) {
   geometryChanged(before);
 }
 
-void ZelLayer::setMasksToBounds(bool on) {
-  if (on == masksToBounds_) return;
-  CGRect before = areaBeforeChange();
-  masksToBounds_ = on;
-  contentChanged(before);
-}
+void ZelLayer::setMasksToBounds(bool on) { changeContent(masksToBounds_, on); }
 
 void ZelLayer::setShouldRasterize(bool on) {
   if (on == shouldRasterize_) return;

@@ -28,6 +28,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "toolkit/core/ZelAffineTransform.h"
@@ -198,6 +199,15 @@ class ZelLayer {
   // then report both areas to the host and mark rasterized copies stale.
   CGRect areaBeforeChange() const;
   void contentChanged(const CGRect& before);
+  // The setter of a content property: stores `value` into `field` and
+  // reports the change; nothing when they are already equal.
+  template <class T, class V>
+  void changeContent(T& field, V&& value) {
+    if (value == field) return;
+    CGRect before = areaBeforeChange();
+    field = std::forward<V>(value);
+    contentChanged(before);
+  }
   // Starts an implicit animation under `key` when allowed and the value
   // changes (`from` is the shown value).
   void implicitlyAnimate(std::string_view key, const ZelAnimationValue& from, const ZelAnimationValue& to);

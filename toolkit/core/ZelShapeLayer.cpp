@@ -12,12 +12,7 @@ bool shapeStrokes(const std::optional<ZelColor>& stroke, double width) {
 
 }  // namespace
 
-void ZelShapeLayer::setPath(ZelPath path) {
-  if (path == path_) return;
-  CGRect before = areaBeforeChange();
-  path_ = std::move(path);
-  contentChanged(before);
-}
+void ZelShapeLayer::setPath(ZelPath path) { changeContent(path_, std::move(path)); }
 
 void ZelShapeLayer::exchangePath(ZelPath& path) {
   if (path == path_) return;
@@ -26,54 +21,19 @@ void ZelShapeLayer::exchangePath(ZelPath& path) {
   contentChanged(before);
 }
 
-void ZelShapeLayer::setFillColor(std::optional<ZelColor> c) {
-  if (c == fill_) return;
-  CGRect before = areaBeforeChange();
-  fill_ = c;
-  contentChanged(before);
-}
+void ZelShapeLayer::setFillColor(std::optional<ZelColor> c) { changeContent(fill_, c); }
 
-void ZelShapeLayer::setStrokeColor(std::optional<ZelColor> c) {
-  if (c == stroke_) return;
-  CGRect before = areaBeforeChange();
-  stroke_ = c;
-  contentChanged(before);
-}
+void ZelShapeLayer::setStrokeColor(std::optional<ZelColor> c) { changeContent(stroke_, c); }
 
-void ZelShapeLayer::setLineWidth(double w) {
-  if (w == lineWidth_) return;
-  CGRect before = areaBeforeChange();
-  lineWidth_ = w;
-  contentChanged(before);
-}
+void ZelShapeLayer::setLineWidth(double w) { changeContent(lineWidth_, w); }
 
-void ZelShapeLayer::setLineDashPattern(std::vector<double> pattern) {
-  if (pattern == dashes_) return;
-  CGRect before = areaBeforeChange();
-  dashes_ = std::move(pattern);
-  contentChanged(before);
-}
+void ZelShapeLayer::setLineDashPattern(std::vector<double> pattern) { changeContent(dashes_, std::move(pattern)); }
 
-void ZelShapeLayer::setLineDashPhase(double phase) {
-  if (phase == dashPhase_) return;
-  CGRect before = areaBeforeChange();
-  dashPhase_ = phase;
-  contentChanged(before);
-}
+void ZelShapeLayer::setLineDashPhase(double phase) { changeContent(dashPhase_, phase); }
 
-void ZelShapeLayer::setLineCap(ZelLineCap cap) {
-  if (cap == cap_) return;
-  CGRect before = areaBeforeChange();
-  cap_ = cap;
-  contentChanged(before);
-}
+void ZelShapeLayer::setLineCap(ZelLineCap cap) { changeContent(cap_, cap); }
 
-void ZelShapeLayer::setLineJoin(ZelLineJoin join) {
-  if (join == join_) return;
-  CGRect before = areaBeforeChange();
-  join_ = join;
-  contentChanged(before);
-}
+void ZelShapeLayer::setLineJoin(ZelLineJoin join) { changeContent(join_, join); }
 
 double ZelShapeLayer::presentationLineDashPhase() const {
   return presentationDouble(ZelAnimatedProperty::LineDashPhase, dashPhase_);

@@ -2,33 +2,13 @@
 
 ZEL_NAMESPACE_BEGIN
 
-void ZelTextLayer::setString(std::string utf8) {
-  if (utf8 == string_) return;
-  CGRect before = areaBeforeChange();
-  string_ = std::move(utf8);
-  contentChanged(before);
-}
+void ZelTextLayer::setString(std::string utf8) { changeContent(string_, std::move(utf8)); }
 
-void ZelTextLayer::setFont(const ZelFont& font) {
-  if (font == font_) return;
-  CGRect before = areaBeforeChange();
-  font_ = font;
-  contentChanged(before);
-}
+void ZelTextLayer::setFont(const ZelFont& font) { changeContent(font_, font); }
 
-void ZelTextLayer::setForegroundColor(const ZelColor& c) {
-  if (c == foreground_) return;
-  CGRect before = areaBeforeChange();
-  foreground_ = c;
-  contentChanged(before);
-}
+void ZelTextLayer::setForegroundColor(const ZelColor& c) { changeContent(foreground_, c); }
 
-void ZelTextLayer::setAlignment(ZelTextAlignment a) {
-  if (a == alignment_) return;
-  CGRect before = areaBeforeChange();
-  alignment_ = a;
-  contentChanged(before);
-}
+void ZelTextLayer::setAlignment(ZelTextAlignment a) { changeContent(alignment_, a); }
 
 void ZelTextLayer::drawContent(ZelGraphicsContext& ctx) {
   if (string_.empty() || foreground_.alpha <= 0) return;

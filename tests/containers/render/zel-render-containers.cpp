@@ -5,35 +5,24 @@
 //   zel-render-containers [OUTPUT-DIRECTORY]   (default: the current one)
 //
 // Writes containers-{main,advanced,presets}-{light,dark}@{1,2}x.png.
-#include <cstdio>
 #include <memory>
 #include <string>
 
 #include "controls/ZelParameterControl.h"
 #include "editor/ZelDrawerView.h"
-#include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetBar.h"
 #include "editor/ZelPresetsDrawer.h"
-#include "layout/theme/ZelUITheme.h"
 #include "layout/views/ZelClumpView.h"
 #include "layout/views/ZelClumpsView.h"
 #include "model/ZelConfig.h"
+#include "tests/support/RenderTool.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
 #include "toolkit/core/ZelWindow.h"
 
 using namespace zel;
+using namespace zel::render_tool;
 
 namespace {
-
-// The editor's own backdrop: the texture under everything.
-class Backdrop : public ZelView {
- public:
-  using ZelView::ZelView;
-  void drawRect(ZelGraphicsContext& ctx, CGRect) override {
-    ZelUITheme::theme()->backgroundPattern().setAsFill(ctx);
-    ctx.fillRect(bounds());
-  }
-};
 
 void addClumps(ZelClumpsView& into, const ZelConfig& config, ZelClumpType type) {
   config.enumerateClumpsOfType(type, [&](const ZelClump& clump) {
@@ -75,11 +64,7 @@ struct Editor {
     clumps->setLayout(config->pluginLayoutForBounds(clumps->bounds()));
     addClumps(*clumps, *config, ZelClumpType::Normal);
     root->addSubview(std::move(clumps));
-    const auto power = config->clumpsOfType(ZelClumpType::PowerBox);
-    auto box = std::make_unique<ZelPowerBox>(CGRectMake(418, 0, 62, 380), power.empty() ? nullptr : power[0],
-                                             config->hasAdvancedControls());
-    box->setMetadata(&config->metadata());
-    root->addSubview(std::move(box));
+    root->addSubview(MakePowerBox(*config, CGRectMake(418, 0, 62, 380)));
     root->addSubview(std::make_unique<ZelPresetBar>(CGRectMake(0, 0, 418, 30), config->presets()));
     advanced = root->addSubview(std::make_unique<ZelDrawerView>(clumpsRect, config.get(), false));
     advanced->contentView()->addSubview(makeAdvanced(*config, advanced->bounds()));
@@ -95,21 +80,19 @@ bool renderScene(const std::string& dir, const char* scene, const char* theme, d
   editor.advanced->setPresented(std::string(scene) == "advanced");
   editor.presets->setPresented(std::string(scene) == "presets");
   ZelOffscreenWindowHost host(editor.window, scale);
-  const std::string path = dir + "/containers-" + scene + "-" + theme + "@" + std::to_string(int(scale)) + "x.png";
-  const bool ok = host.renderToPNG(path);
-  std::printf("%s %s\n", ok ? "wrote" : "FAILED", path.c_str());
-  return ok;
+  const std::string path = StillPath(dir, "containers", scene, theme, scale);
+  return ReportStill(path, host.renderToPNG(path));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::string dir = argc > 1 ? argv[1] : ".";
-  bool ok = true;
-  for (const char* theme : {"light", "dark"}) {
-    if (std::string(theme) == "dark") ZelUITheme::toggleThemeForWindow(nullptr);
+  const bool ok = InBothThemes([&dir](const char* theme) {
+    bool shot = true;
     for (const char* scene : {"main", "advanced", "presets"})
-      for (double scale : {1.0, 2.0}) ok = renderScene(dir, scene, theme, scale) && ok;
-  }
+      for (double scale : {1.0, 2.0}) shot = renderScene(dir, scene, theme, scale) && shot;
+    return shot;
+  });
   return ok ? 0 : 1;
 }

@@ -10,12 +10,13 @@
 #include <string>
 
 #include "editor/ZelGenericUI.h"
-#include "layout/theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
+#include "tests/support/RenderTool.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
 #include "toolkit/core/ZelWindow.h"
 
 using namespace zel;
+using namespace zel::render_tool;
 
 namespace {
 
@@ -68,14 +69,12 @@ int main(int argc, char** argv) {
   const std::string path = argc > 2 ? argv[2] : std::string(ZEL_RESOURCES_DIR) + "/config.plist";
   ZelConfigLoad load = ZelConfig::loadFile(path);
   int failures = 0;
-  for (const char* theme : {"light", "dark"}) {
+  InBothThemes([&](const char* theme) {
     for (double scale : {1.0, 2.0}) {
       auto shoot = [&](const char* name, auto&& prepare) {
         Scene scene(*load.config, scale);
         prepare(scene);
-        const std::string file =
-            dir + "/editor-" + name + "-" + theme + "@" + std::to_string(static_cast<int>(scale)) + "x.png";
-        if (!scene.host.renderToPNG(file)) ++failures;
+        if (!scene.host.renderToPNG(StillPath(dir, "editor", name, theme, scale))) ++failures;
       };
       shoot("main", [](Scene& s) {
         s.ui->updateParameterNamed("Degrade", 35);
@@ -89,8 +88,8 @@ int main(int argc, char** argv) {
       shoot("mono", [](Scene& s) { s.ui->setChannelsIn(1, 1); s.ui->toggleAdvancedDrawer(); s.run(1.0); });
       shoot("opening", [](Scene& s) { s.ui->toggleAdvancedDrawer(); s.run(0.1); });
     }
-    ZelUITheme::toggleThemeForWindow(nullptr);
-  }
+    return true;
+  });
   std::printf("%s\n", failures ? "some files could not be written" : "done");
   return failures ? 1 : 0;
 }

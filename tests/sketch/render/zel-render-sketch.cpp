@@ -5,33 +5,24 @@
 //   zel-render-sketch [OUTPUT-DIRECTORY]   (default: the current one)
 //
 // Writes sketch-{flat,highpass,lowpass,degraded}-{light,dark}@{1,2}x.png.
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPowerBoxSketchHost.h"
-#include "layout/theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "sketch/ZelVantryParameterSketch.h"
+#include "tests/support/RenderTool.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
 #include "toolkit/core/ZelWindow.h"
 
 using namespace zel;
+using namespace zel::render_tool;
 
 namespace {
 
 using Sketch = ZelVantryParameterSketch;
-
-class Backdrop : public ZelView {
- public:
-  using ZelView::ZelView;
-  void drawRect(ZelGraphicsContext& ctx, CGRect) override {
-    ZelUITheme::theme()->backgroundPattern().setAsFill(ctx);
-    ctx.fillRect(bounds());
-  }
-};
 
 struct Setting {
   const char* name;
@@ -56,10 +47,7 @@ struct Scene {
   Scene() {
     ZelRunLoop::setCurrent(&loop);
     auto root = std::make_unique<Backdrop>(CGRectMake(0, 0, 62, 380));
-    const auto power = config->clumpsOfType(ZelClumpType::PowerBox);
-    auto box = std::make_unique<ZelPowerBox>(CGRectMake(0, 0, 62, 380), power.empty() ? nullptr : power[0],
-                                             config->hasAdvancedControls());
-    box->setMetadata(&config->metadata());
+    auto box = MakePowerBox(*config, CGRectMake(0, 0, 62, 380));
     sketchHost = std::make_unique<ZelPowerBoxSketchHost>(box.get());
     auto made = std::make_unique<Sketch>(box->sketchArea(), config.get());
     made->setPowerbox(sketchHost.get());
@@ -91,21 +79,19 @@ bool render(const std::string& dir, const Setting& s, const char* theme, double 
   Scene scene;
   ZelOffscreenWindowHost host(scene.window, scale);
   scene.show(s);
-  const std::string path = dir + "/sketch-" + s.name + "-" + theme + "@" + std::to_string(int(scale)) + "x.png";
-  const bool ok = host.renderToPNG(path) && !scene.sketch->isDisplayLinkRunning();
-  std::printf("%s %s\n", ok ? "wrote" : "FAILED", path.c_str());
-  return ok;
+  const std::string path = StillPath(dir, "sketch", s.name, theme, scale);
+  return ReportStill(path, host.renderToPNG(path) && !scene.sketch->isDisplayLinkRunning());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::string dir = argc > 1 ? argv[1] : ".";
-  bool ok = true;
-  for (const char* theme : {"light", "dark"}) {
-    if (std::string(theme) == "dark") ZelUITheme::toggleThemeForWindow(nullptr);
+  const bool ok = InBothThemes([&dir](const char* theme) {
+    bool shot = true;
     for (const Setting& s : kSettings)
-      for (double scale : {1.0, 2.0}) ok = render(dir, s, theme, scale) && ok;
-  }
+      for (double scale : {1.0, 2.0}) shot = render(dir, s, theme, scale) && shot;
+    return shot;
+  });
   return ok ? 0 : 1;
 }
