@@ -3,12 +3,22 @@
 #include <algorithm>
 #include <cmath>
 
+#include "layout/theme/ZelUITheme.h"
+
 ZEL_NAMESPACE_BEGIN
 
 namespace {
 
 constexpr ZelSketchTraits kVantryTraits{300, true, false, {10, 16}};
 constexpr double kCurveAlpha = 0.8;
+// The screen behind the curve: the theme's text colour (dark on the light
+// theme, light on the dark one), a little beyond the plot at the sides and
+// over the whole height a curve may reach (it is clipped to -1 ... 2 plot
+// heights), so 0 dB sits at its centre and nothing falls outside it.
+constexpr double kScreenAlpha = 0.85;
+constexpr double kScreenMargin = 4;
+constexpr double kScreenAir = 2;
+constexpr double kScreenCornerRadius = 4;
 // ln 10 and ln (20000 / 10): the graph runs from 10 Hz to 20 kHz.
 constexpr double kLogLowestFrequency = 2.302585092994046;
 constexpr double kLogFrequencySpan = 7.600902459542081;
@@ -45,21 +55,38 @@ ZelVantryParameterSketch::~ZelVantryParameterSketch() = default;
 
 void ZelVantryParameterSketch::addPaths() {
   if (curve_) return;
+  auto screen = std::make_unique<ZelLayer>();
+  screen->setImplicitAnimationsEnabled(false);
+  screen->setCornerRadius(kScreenCornerRadius);
+  screen_ = layer()->addSublayer(std::move(screen));
   auto shape = styledShapeLayerWithAlpha(kCurveAlpha);
   shape->setFrame(layer()->bounds());
   curve_ = static_cast<ZelShapeLayer*>(layer()->addSublayer(std::move(shape)));
   layer()->setMasksToBounds(true);
+  placeScreen();
+}
+
+void ZelVantryParameterSketch::placeScreen() {
+  if (!screen_ || !curve_) return;
+  const CGRect plot = getPathBounds(curve_);
+  if (CGRectIsNull(plot)) {
+    screen_->setFrame(CGRectZero);
+    return;
+  }
+  screen_->setFrame(CGRectIntegral(CGRectInset(plot, -kScreenMargin, -(plot.size.height + kScreenAir))));
 }
 
 void ZelVantryParameterSketch::setFrame(CGRect frame) {
   ZelParameterSketch::setFrame(frame);
   if (!curve_) return;
   curve_->setFrame(layer()->bounds());
+  placeScreen();
   if (drawn_) updatePath(curve_, true, graphPointsY_.data(), kGraphPoints);
 }
 
 void ZelVantryParameterSketch::colorSketchWithPrimaryColor(ZelColor color) {
   if (curve_) curve_->setStrokeColor(color.withAlpha(kCurveAlpha));
+  if (screen_) screen_->setBackgroundColor(ZelUITheme::theme()->textColor().withAlpha(kScreenAlpha));
 }
 
 void ZelVantryParameterSketch::setPowerbox(ZelSketchHost* powerbox) {

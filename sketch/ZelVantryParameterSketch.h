@@ -64,6 +64,11 @@ class ZelVantryParameterSketch : public ZelParameterSketch {
   void updateStamp(float degradePercent, float mixPercent);
 
   ZelShapeLayer* curve_ = nullptr;  // owned by the root layer
+  // The small inverted panel the curve is drawn on (owned by the root
+  // layer): the curve takes the theme's background colour, which would
+  // vanish on the editor's own backdrop.
+  ZelLayer* screen_ = nullptr;
+  void placeScreen();
   std::array<float, kGraphPoints> graphFreqs_{};
   std::array<float, kGraphPoints> gainsScratch_{};
   std::array<float, kGraphPoints> graphPointsY_{};
