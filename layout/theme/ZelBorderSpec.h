@@ -1,4 +1,4 @@
-// The half-point sides that a description's border specification asks for.
+// The half-point sides that a description's border spec ("border", "labelBorder") asks for.
 #pragma once
 
 #include "toolkit/core/ZelGraphicsContext.h"
