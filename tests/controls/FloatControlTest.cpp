@@ -7,7 +7,7 @@
 namespace zel::testing {
 namespace {
 
-constexpr auto kShift = ZelEventModifierShift, kCommand = ZelEventModifierCommand, kOption = ZelEventModifierOption;
+constexpr auto kShift = ZelEventModifierShift, kCommand = ZelEventModifierCommand;
 constexpr auto kDown = ZelEventType::LeftMouseDown, kDrag = ZelEventType::LeftMouseDragged, kUp = ZelEventType::LeftMouseUp;
 
 struct FloatControlTest : ::testing::Test {
@@ -40,33 +40,6 @@ TEST_F(FloatControlTest, DragGranularityFollowsModifiersWithCommandBeatingShift)
   std::vector<ZelGranularities> expected{{0, 0, false}, {2, 0, true}, {2, 2, false}, {1, 2, true}, {0, 1, true}, {0, 0, false}};
   EXPECT_EQ(control.granularities, expected);
   EXPECT_EQ(delegate.states, (std::vector<ZelInteractionState>{ZelInteractionBegan, ZelInteractionEnded}));
-  EXPECT_EQ(actions, 0);
-}
-
-TEST_F(FloatControlTest, OptionClickResetsOnceAndEndsOnlyWithoutOption) {
-  control.setFloatValue(80);
-  mouse(kDown, kOption);
-  mouse(kDrag, kOption);
-  mouse(kUp, kOption);
-  EXPECT_EQ(control.floatValue(), 50);
-  EXPECT_EQ(actions, 1);
-  EXPECT_TRUE(control.userControlling());
-  EXPECT_TRUE(control.hooks.empty());
-  EXPECT_EQ(delegate.states, std::vector<ZelInteractionState>{ZelInteractionBegan});
-  mouse(kDown, kOption);
-  mouse(kUp);  // Option released first: the gesture ends
-  EXPECT_EQ(delegate.states.back(), ZelInteractionEnded);
-}
-
-TEST_F(FloatControlTest, DisabledControlIgnoresPointerAndWheel) {
-  control.setPreventInteraction(true);
-  mouse(kDown);
-  mouse(kDown, kOption);
-  mouse(kDrag);
-  mouse(kUp);
-  control.scrollWheel(ZelEvent::scroll({5, 5}, 0, 1));
-  EXPECT_TRUE(control.hooks.empty());
-  EXPECT_TRUE(delegate.states.empty());
   EXPECT_EQ(actions, 0);
 }
 

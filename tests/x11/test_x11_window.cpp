@@ -214,43 +214,26 @@ TEST(X11Window, ReceivesKeysForwardedWithSendEvent) {
   ASSERT_TRUE(f.window.makeFirstResponder(recorder));
   settle(*f.host);
 
+  // The key table itself is checked without a server; here, that events
+  // sent by a host arrive, in order, with their repeats.
   const Window w = f.host->xWindow();
   client.sendKey(w, XK_Return, 0);
   client.sendKey(w, XK_Return, 0, false);
-  client.sendKey(w, XK_Tab, ShiftMask);
-  client.sendKey(w, XK_Up, 0);
   client.sendKey(w, XK_Down, ControlMask);
-  client.sendKey(w, XK_Left, 0);
-  client.sendKey(w, XK_Right, ShiftMask);
   client.sendKey(w, XK_k, 0);
   client.sendKey(w, XK_k, ShiftMask);
-  client.sendKey(w, XK_z, ControlMask | ShiftMask);
-  client.sendKey(w, XK_grave, 0);
-  ASSERT_TRUE(pumpUntil(*f.host, [&] { return recorder->events.size() >= 11; }));
+  ASSERT_TRUE(pumpUntil(*f.host, [&] { return recorder->events.size() >= 5; }));
 
   const auto& e = recorder->events;
   EXPECT_EQ(e[0].type, ZelEventType::KeyDown);
   EXPECT_EQ(e[0].keyCode, ZelKeyCodeReturn);
-  EXPECT_EQ(e[0].characters, "\r");
   EXPECT_EQ(e[1].type, ZelEventType::KeyUp);
-  EXPECT_EQ(e[2].keyCode, ZelKeyCodeTab);
-  EXPECT_TRUE(e[2].has(ZelEventModifierShift));
-  const char16_t arrows[] = {ZelUpArrowFunctionKey, ZelDownArrowFunctionKey, ZelLeftArrowFunctionKey,
-                             ZelRightArrowFunctionKey};
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(ZelFirstCodePoint(e[3 + i].charactersIgnoringModifiers), static_cast<char32_t>(arrows[i]));
-    EXPECT_TRUE(e[3 + i].has(ZelEventModifierNumericPad));
-  }
-  EXPECT_TRUE(e[4].has(ZelEventModifierCommand));
-  EXPECT_TRUE(e[6].has(ZelEventModifierShift));
-  EXPECT_EQ(e[7].characters, "k");
-  EXPECT_EQ(e[7].charactersIgnoringModifiers, "k");
-  EXPECT_FALSE(e[7].isARepeat);
-  EXPECT_EQ(e[8].characters, "K");
-  EXPECT_TRUE(e[8].isARepeat);  // pressed again without a release in between
-  EXPECT_EQ(e[9].charactersIgnoringModifiers, "Z");
-  EXPECT_EQ(e[9].modifierFlags, ZelEventModifierCommand | ZelEventModifierShift);
-  EXPECT_EQ(e[10].keyCode, ZelKeyCodeGrave);
+  EXPECT_EQ(ZelFirstCodePoint(e[2].charactersIgnoringModifiers), static_cast<char32_t>(ZelDownArrowFunctionKey));
+  EXPECT_TRUE(e[2].has(ZelEventModifierCommand));
+  EXPECT_EQ(e[3].characters, "k");
+  EXPECT_FALSE(e[3].isARepeat);
+  EXPECT_EQ(e[4].characters, "K");
+  EXPECT_TRUE(e[4].isARepeat);  // pressed again without a release in between
   EXPECT_EQ(f.host->connection().errorCount(), 0u);
 }
 
