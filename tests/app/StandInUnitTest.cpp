@@ -78,12 +78,6 @@ TEST(StandInUnit, EchoesTheEditorsChangesLaterAndOnlyWhenAsked) {
   EXPECT_FALSE(width->isDimmed());
   f.loop.runDue();
   EXPECT_TRUE(width->isDimmed());
-
-  f.unit.setEchoes(false);
-  f.ui->notifyParameter(*mode, 0);
-  f.loop.runDue();
-  EXPECT_TRUE(width->isDimmed()) << "no echo, no rules";
-  EXPECT_EQ(f.unit.valueForParameterID(mode->pid), 0.0f);
 }
 
 TEST(StandInUnit, DisconnectingDropsPendingDeliveries) {
@@ -94,21 +88,13 @@ TEST(StandInUnit, DisconnectingDropsPendingDeliveries) {
   EXPECT_EQ(f.shown("Degrade"), 0.0f);
 }
 
-TEST(StandInUnit, KeepsPresetNameThemeFlagAndChannels) {
+TEST(StandInUnit, TheThemeFlagIsAToggleEvent) {
   Fixture f;
-  f.ui->requestPresetNamed("Telephone");
-  EXPECT_EQ(f.unit.lastPreset(), "Telephone");
-  EXPECT_EQ(f.recorder.lines.back(), "preset Telephone");
-
   EXPECT_FALSE(f.unit.themeFlag());
   f.unit.interfaceDidUpdateInterfacePreference(*f.ui, "theme", 1);
   EXPECT_TRUE(f.unit.themeFlag());
   f.unit.interfaceDidUpdateInterfacePreference(*f.ui, "theme", 1);
   EXPECT_FALSE(f.unit.themeFlag()) << "the flag is a toggle event, not a state";
-
-  f.unit.setChannels(1, 1);
-  EXPECT_EQ(f.unit.channelsIn(), 1u);
-  EXPECT_TRUE(f.ui->parameterControlWithCodename("Width")->primaryControl()->isDisabled());
 }
 
 // A new description: values follow their code names, whatever their ids now.

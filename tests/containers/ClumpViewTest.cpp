@@ -84,20 +84,13 @@ TEST(ClumpView, InteriorHairlinesAreShiftedByHalfTheUseableOrigin) {
                                             CGRectMake(103, 71, 94, 0.5)}));
 }
 
-TEST(ClumpView, NoHairlinesWithoutEdgesOrWithInteriorBordersOff) {
+TEST(ClumpView, NoHairlinesWithInteriorBordersOff) {
   auto off = OneClump(TwoColumnClump(false));
   ZelClumpView hidden(CGRectMake(0, 0, 200, 100), off->clumps()[0].get(), MakeQuiet);
   ZelRecordingGraphicsContext ctx;
   hidden.drawRect(ctx, hidden.bounds());
   EXPECT_TRUE(FillsIn(ctx, HairlineColour()).empty());
 
-  Dict single{{"showInteriorBorders", B(true)}, {"computedLayout", Layout(1, 1, {{"0", Cell(0, 0, 1, 1)}})}};
-  auto noEdges = OneClump(single, {Parameter(1, "Only", 0)});
-  ZelClumpView plain(CGRectMake(0, 0, 200, 100), noEdges->clumps()[0].get(), MakeQuiet);
-  ctx.clear();
-  plain.drawRect(ctx, plain.bounds());
-  EXPECT_TRUE(plain.edges().empty());
-  EXPECT_TRUE(FillsIn(ctx, HairlineColour()).empty());
 }
 
 TEST(ClumpView, LabelBorderIsDrawnWithOrWithoutALabelImage) {

@@ -1,4 +1,6 @@
-// Every concrete control drawn for real (cairo, offscreen) in both themes at
+// The controls the editor's golden pictures do not show (other slider
+// styles, minus infinity, the note slider, horizontal sliders and toggles,
+// the power switch off, a dirty preset) drawn for real (cairo, offscreen) in both themes at
 // scale 1 and 2: nothing crashes and every control puts ink on its area.
 // With ZEL_CONTROLS_PNG_DIR set the pictures are also written there, to be
 // looked at.
@@ -77,24 +79,13 @@ std::vector<Entry> GalleryEntries() {
   e.back().parameter = Param(Keys({{"horizontal", ZelPlist::boolean(true)}, {"color", Str("#3FA66A")},
                                    {"formatString", Str("%0.0f")}, {"tickmarks", Numbers({0, 50, 100})},
                                    {"cueValues", Numbers({0, 50, 100})}}));
-  e.push_back({Param(Keys({{"controlType", Str("Number")}, {"unitSymbol", Str("dB/oct")}, {"minValue", Num(6)},
-                           {"maxValue", Num(96)}, {"granularity", Num(6)}, {"formatString", Str("%0.0f")},
-                           {"color", Str("#D9822B")}})),
-               CGRectMake(460, 270, 68, 40), 24});
-  e.push_back({ModeParam(Keys({{"color", Str("#D9822B")}})), CGRectMake(545, 266, 65, 46), 2});
-  e.push_back({BooleanParam(Keys({{"color", Str("#3FA66A")}})), CGRectMake(460, 210, 80, 30), 1});
-  e.push_back({BooleanParam(Keys({{"color", Str("#3FA66A")}})), CGRectMake(550, 210, 80, 30), 0});
   e.push_back({BooleanParam(Keys({{"codesafeName", Str("MasterOnOff")}, {"color", Str("#D9822B")}})),
                CGRectMake(460, 140, 58, 56), 1});
   e.push_back({BooleanParam(Keys({{"codesafeName", Str("MasterOnOff")}, {"color", Str("#D9822B")}})),
                CGRectMake(530, 140, 58, 56), 0});
   e.push_back({Param(Keys({{"controlType", Str("Toggle")}, {"unit", Str("Indexed")}, {"maxValue", Num(1)},
                            {"stringValues", Strings({"Off", "On"})}, {"color", Str("#D9822B")}})),
-               CGRectMake(600, 152, 56, 32), 1});
-  e.push_back({Param(Keys({{"controlType", Str("Toggle")}, {"unit", Str("Indexed")}, {"maxValue", Num(1)},
-                           {"stringValues", Strings({"Off", "On"})}, {"color", Str("#D9822B")}})),
                CGRectMake(460, 95, 120, 30), 0});
-  e.push_back({PresetsParam(), CGRectMake(10, 20, 240, 30), 1});
   e.push_back({PresetsParam(), CGRectMake(260, 20, 240, 30), 2});
   return e;
 }
@@ -116,7 +107,7 @@ struct Gallery {
     typed->displayTransientBufferValue(ZelVerticalSlider::formattedReadoutStringForValue("42.5", "", 14));
     entries[4].control->setDimmed(true);
     entries[5].control->setPreventInteraction(true);
-    dynamic_cast<ZelPresetControl*>(entries[16].control)->setDirty(true);
+    dynamic_cast<ZelPresetControl*>(entries.back().control)->setDirty(true);
     ZelRunVirtualTime(loop, clock, 0.5);  // the focus border has faded in
   }
   ZelVirtualClock clock;
@@ -136,21 +127,6 @@ struct ThemeScope {
   }
   bool toggled = false;
 };
-
-// A nearest-neighbour enlargement of part of a scale-1 picture, to judge
-// pixel crispness by eye.
-void WriteZoomed(cairo_surface_t* surface, CGRect area, int zoom, const std::string& path) {
-  cairo_surface_t* out = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(area.size.width) * zoom,
-                                                    static_cast<int>(area.size.height) * zoom);
-  cairo_t* cr = cairo_create(out);
-  cairo_scale(cr, zoom, zoom);
-  cairo_set_source_surface(cr, surface, -area.origin.x, -area.origin.y);
-  cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_NEAREST);
-  cairo_paint(cr);
-  cairo_destroy(cr);
-  cairo_surface_write_to_png(out, path.c_str());
-  cairo_surface_destroy(out);
-}
 
 int DifferingPixels(const ZelImage& a, const ZelImage& b, CGRect area, double scale) {
   int n = 0, height = a.height();
@@ -176,13 +152,6 @@ TEST_P(ControlGallery, EveryControlDrawsInBothThemesAndScales) {
     std::string name = std::string(dir) + "/controls-" + (dark ? "dark" : "light") + "@" +
                        std::to_string(static_cast<int>(scale)) + "x.png";
     EXPECT_TRUE(gallery.host.writePNG(name));
-    if (scale == 1) {
-      std::string base = std::string(dir) + "/zoom-" + (dark ? "dark" : "light");
-      WriteZoomed(gallery.host.surface(), CGRectMake(0, 0, 240, 180), 4, base + "-sliders.png");
-      WriteZoomed(gallery.host.surface(), CGRectMake(450, 0, 220, 180), 4, base + "-small.png");
-      WriteZoomed(gallery.host.surface(), CGRectMake(450, 180, 220, 140), 4, base + "-switches.png");
-      WriteZoomed(gallery.host.surface(), CGRectMake(0, 330, 520, 70), 3, base + "-presets.png");
-    }
   }
   for (auto& entry : gallery.entries) entry.control->setHidden(true);
   gallery.host.renderAll();

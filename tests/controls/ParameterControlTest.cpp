@@ -61,17 +61,6 @@ TEST(ParameterControlFrames, GivenLabelFrameOrComputedLayout) {
   EXPECT_EQ(c->sliderFrame(), CGRectMake(20, 0, 60, 20));
 }
 
-TEST(ParameterControlPrimary, ChosenByTypeWithMasterOnOffFirst) {
-  auto power = Param({{"codesafeName", Str("MasterOnOff")}, {"controlType", Str("Slider")}});
-  ZelParameterControl powerControl(CGRectMake(0, 0, 40, 40), CGRectZero, power.get());
-  EXPECT_NE(dynamic_cast<ZelGlowingBooleanControl*>(powerControl.primaryControl()), nullptr);
-  auto slider = Param();
-  ZelParameterControl sliderControl(CGRectMake(0, 0, 40, 100), CGRectZero, slider.get());
-  EXPECT_NE(dynamic_cast<ZelVerticalSlider*>(sliderControl.primaryControl()), nullptr);
-  EXPECT_TRUE(sliderControl.acceptsTransientStringBuffers());
-  EXPECT_FALSE(powerControl.acceptsTransientStringBuffers());
-}
-
 struct ParameterControlTest : ::testing::Test {
   std::unique_ptr<ZelParameter> param = Param({{"maxValue", Num(20000)}});
   ZelParameterControl control{CGRectMake(0, 0, 60, 100), CGRectZero, param.get(), MakeTyping};

@@ -106,17 +106,11 @@ TEST(CycleControl, ClicksStepForwardShiftClicksBackAndBothWrapAndPulse) {
   EXPECT_EQ(actions.count, 4);
   EXPECT_EQ(cycle->valueCount(), 3);
 
-  const ZelBasicAnimation* pulse = cycle->textLayer()->animationForKey("pulse");
-  ASSERT_NE(pulse, nullptr);
-  EXPECT_EQ(pulse->keyPath(), "transform.scale");
-  EXPECT_EQ(pulse->duration(), 0.09);
-  EXPECT_TRUE(pulse->autoreverses());
-  EXPECT_EQ(pulse->timingFunction(), ZelTimingFunction::easeOut());
+  ASSERT_NE(cycle->textLayer()->animationForKey("pulse"), nullptr);
   f.runUntil(0.045);
   EXPECT_GT(cycle->textLayer()->presentationTransform().a, 1.05);
   f.runUntil(0.5);
   EXPECT_EQ(cycle->textLayer()->animationForKey("pulse"), nullptr) << "removed once done";
-  EXPECT_EQ(ZelCycleControl::standardPulse().toValue(), std::optional<ZelAnimationValue>(1.2));
 }
 
 TEST(CycleControl, ShowsTheValueTextAndDisabledOnesIgnoreClicks) {

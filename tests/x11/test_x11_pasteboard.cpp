@@ -5,7 +5,6 @@
 
 #include <chrono>
 
-#include "TestViews.h"
 #include "X11TestSupport.h"
 
 #include <X11/Xatom.h>
