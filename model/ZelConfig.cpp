@@ -42,30 +42,34 @@ std::unique_ptr<ZelConfig> ZelConfig::configNamed(std::string_view name, const s
   std::string path = directory;
   if (!path.empty() && path.back() != '/') path += '/';
   path.append(name).append(".plist");
-  return loadFile(path).config;
+  return loadFile(path, false).config;  // the editor shows no diagnostics
 }
 
 namespace {
 
-ZelConfigLoad buildConfig(ZelPlistReadResult read) {
+ZelConfigLoad buildConfig(ZelPlistReadResult read, bool checkKinds) {
   ZelConfigLoad load;
   load.diagnostics = std::move(read.diagnostics);
   if (!read.value.isDictionary()) {
     load.config = std::make_unique<ZelConfig>();
     return load;
   }
-  std::vector<ZelDiagnostic> kinds = ZelCheckDescriptionKinds(read.value);
-  load.diagnostics.insert(load.diagnostics.end(), kinds.begin(), kinds.end());
+  if (checkKinds) {
+    std::vector<ZelDiagnostic> kinds = ZelCheckDescriptionKinds(read.value);
+    load.diagnostics.insert(load.diagnostics.end(), kinds.begin(), kinds.end());
+  }
   load.config = std::make_unique<ZelConfig>(read.value);
   return load;
 }
 
 }  // namespace
 
-ZelConfigLoad ZelConfig::loadFile(const std::string& path) { return buildConfig(ZelPlistReadFile(path)); }
+ZelConfigLoad ZelConfig::loadFile(const std::string& path, bool checkKinds) {
+  return buildConfig(ZelPlistReadFile(path), checkKinds);
+}
 
-ZelConfigLoad ZelConfig::loadData(const void* bytes, std::size_t size) {
-  return buildConfig(ZelPlistReadData(bytes, size));
+ZelConfigLoad ZelConfig::loadData(const void* bytes, std::size_t size, bool checkKinds) {
+  return buildConfig(ZelPlistReadData(bytes, size), checkKinds);
 }
 
 CGSize ZelConfig::preferredSize() const { return CGSizeMake(metadata_.width, metadata_.height); }

@@ -49,8 +49,10 @@ class ZelConfig {
   // model when the file is missing or unreadable. Never null.
   static std::unique_ptr<ZelConfig> configNamed(std::string_view name, const std::string& directory);
   // Load a description file or bytes, with diagnostics (see ZelConfigLoad).
-  static ZelConfigLoad loadFile(const std::string& path);
-  static ZelConfigLoad loadData(const void* bytes, std::size_t size);
+  // `checkKinds` false skips the walk for values of the wrong kind (its
+  // warnings): for callers that only want the model and the reader's errors.
+  static ZelConfigLoad loadFile(const std::string& path, bool checkKinds = true);
+  static ZelConfigLoad loadData(const void* bytes, std::size_t size, bool checkKinds = true);
 
   const ZelMetadata& metadata() const { return metadata_; }
   const std::vector<std::unique_ptr<ZelClump>>& clumps() const { return clumps_; }

@@ -8,7 +8,9 @@
 ZEL_NAMESPACE_BEGIN
 
 std::unique_ptr<ZelConfig> ZelLoadDescription(const std::string& path, std::string& error) {
-  ZelConfigLoad load = ZelConfig::loadFile(path);
+  // Only the reader's errors matter here; the wrong-kind warnings are
+  // zel-describe's to report.
+  ZelConfigLoad load = ZelConfig::loadFile(path, false);
   for (const ZelDiagnostic& d : load.diagnostics) {
     if (d.severity != ZelDiagnostic::Severity::Error) continue;
     error = d.keyPath.empty() ? d.message : d.keyPath + ": " + d.message;
