@@ -7,7 +7,6 @@
 
 #include "editor/ZelLogoStamp.h"
 #include "editor/ZelPowerBox.h"
-#include "editor/ZelPowerBoxSketchHost.h"
 #include "editor/ZelPresetBar.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "editor/elements/ZelSymbolButton.h"

@@ -43,7 +43,7 @@
 #include "controls/ZelParameterControl.h"
 #include "editor/ZelDrawerView.h"
 #include "editor/ZelKeyboardHandler.h"
-#include "editor/ZelMeteringCallback.h"
+#include "sketch/ZelMeteringCallback.h"
 #include "model/ZelClump.h"
 #include "toolkit/core/ZelAnimation.h"
 #include "toolkit/core/ZelView.h"
@@ -59,7 +59,6 @@ class ZelGenericUI;
 class ZelParameter;
 class ZelParameterSketch;
 class ZelPowerBox;
-class ZelPowerBoxSketchHost;
 class ZelPresetBar;
 class ZelPresetsDrawer;
 class ZelSpeedLim;
@@ -293,8 +292,6 @@ class ZelGenericUI : public ZelView,
   ZelDrawerView* advDrawer_ = nullptr;
   ZelPresetsDrawer* presetDrawer_ = nullptr;
   ZelParameterSketch* sketch_ = nullptr;
-  // How the sketch sees the power box (kept while the sketch lives).
-  std::unique_ptr<ZelPowerBoxSketchHost> sketchHost_;
   std::unique_ptr<ZelKeyboardHandler> keyboard_;
   std::unique_ptr<ZelSpeedLim> sketchSpeedLim_;
   std::unique_ptr<ZelSpeedLim> advFlashLim_;

@@ -2,7 +2,6 @@
 // the power box's buttons (manual, web site, theme).
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelPowerBox.h"
-#include "editor/ZelPowerBoxSketchHost.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "editor/elements/ZelSymbolButton.h"
 #include "layout/theme/ZelUITheme.h"
@@ -147,8 +146,7 @@ void ZelGenericUI::addSketchWithSubclass(const ZelSketchFactory& factory) {
   if (sketch_ || !factory || !config_ || !powerBox_) return;
   std::unique_ptr<ZelParameterSketch> made = factory(powerBox_->sketchArea(), *config_);
   if (!made) return;
-  sketchHost_ = std::make_unique<ZelPowerBoxSketchHost>(powerBox_);
-  made->setPowerbox(sketchHost_.get());
+  made->setPowerbox(powerBox_);
   made->setMeteringCallback(meteringCallback_);
   made->setAlphaValue(0);
   sketch_ = powerBox_->addSubview(std::move(made));

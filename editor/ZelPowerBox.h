@@ -16,6 +16,7 @@
 #pragma once
 
 #include "layout/views/ZelClumpView.h"
+#include "sketch/ZelSketchHost.h"
 
 ZEL_NAMESPACE_BEGIN
 
@@ -23,7 +24,7 @@ class ZelLogoStamp;
 class ZelMetadata;
 class ZelSymbolButton;
 
-class ZelPowerBox : public ZelClumpView {
+class ZelPowerBox : public ZelClumpView, public ZelSketchHost {
  public:
   // `clump` is the PowerBox clump (may be null: no power control). Without
   // advanced controls the gear is disabled (it does nothing).
@@ -40,7 +41,7 @@ class ZelPowerBox : public ZelClumpView {
   ZelSymbolButton* themeButton() const { return theme_; }
   ZelLogoStamp* logo() const { return logo_; }
   // The logo stamp's layer (the sketch rasterizes it; the editor fades it).
-  ZelLayer* logoStampLayer() const;
+  ZelLayer* logoStampLayer() const override;
   // The power parameter's control (the first control of the clump), or
   // nullptr without a PowerBox clump. Stays valid after the editor has
   // emptied parameterControls().

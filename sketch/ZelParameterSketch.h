@@ -26,7 +26,7 @@
 #include <span>
 #include <vector>
 
-#include "editor/ZelMeteringCallback.h"
+#include "sketch/ZelMeteringCallback.h"
 #include "sketch/ZelSketchHost.h"
 #include "toolkit/core/ZelDisplayLink.h"
 #include "toolkit/core/ZelShapeLayer.h"
