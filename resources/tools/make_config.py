@@ -344,6 +344,9 @@ METADATA = {
     "hasParameterSketch": True,
     "hasGenericHQMode": True,
     "genericHQParameter": "HQ",
+    # The unit's oversampling with HQ on: the factor of the lowest listed rate
+    # at or above the session's rate, 1 above them all.
+    "genericHQMultsBySampleRate": {"44100": 4, "48000": 4, "88200": 2, "96000": 2},
     "parameterOrder": [p["codesafeName"] for p in PARAMETERS],
     "tabOrder": TAB_ORDER,
     "clumpsLayout": CLUMPS_LAYOUT,
