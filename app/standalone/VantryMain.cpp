@@ -3,6 +3,7 @@
 //
 //   vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT]
 //          [--render FILE.png | --watch]
+//   vantry process IN OUT [options]   (app/process/ZelProcessCommand.h)
 //
 // Without --render the editor opens in an X11 window at the screen's scale
 // (or S). --render draws the editor once its deferred steps have run and
@@ -20,6 +21,7 @@
 #include "app/common/ZelEditorSession.h"
 #include "app/common/ZelEditorStill.h"
 #include "app/common/ZelNumberWords.h"
+#include "app/process/ZelProcessCommand.h"
 #include "model/ZelConfig.h"
 #ifdef ZEL_VANTRY_HAVE_X11
 #include "toolkit/x11/ZelX11EventWait.h"
@@ -41,7 +43,8 @@ struct Options {
 
 constexpr char kUsage[] =
     "usage: vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT]\n"
-    "              [--render FILE.png | --watch]\n";
+    "              [--render FILE.png | --watch]\n"
+    "       vantry process IN OUT [--preset NAME] [--set CODENAME=VALUE]... [--format wav16|wav24|float|flac]\n";
 
 bool parseValue(const std::string& option, const char* value, Options& o, std::string& error) {
   if (option == "--config") return o.config = value, true;
@@ -139,6 +142,8 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc >= 2 && std::string(argv[1]) == "process")
+    return ZelProcessCommand(argc - 1, argv + 1, ZelDefaultDescriptionPath().c_str());
   Options o;
   std::string error;
   if (!parse(argc, argv, o, error)) {
