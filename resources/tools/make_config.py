@@ -250,26 +250,29 @@ GOVERNED = [p for p in PARAMETERS if not p.get("presetWildcard")]
 DEFAULT = {p["codesafeName"]: p["initialValue"] for p in GOVERNED}
 
 # Name -> changes from the defaults. Frequencies sit on their step (10 Hz above
-# 1 kHz, 100 Hz above 10 kHz), so a freshly loaded preset reads clean.
+# 1 kHz, 100 Hz above 10 kHz), so a freshly loaded preset reads clean. The
+# unit keeps a driven signal's level; Output makes up what the band limits
+# and the crushing take away, so that speech through any preset comes out
+# within about 3 dB of its level going in (vantry process reports both).
 PRESETS = [
     ("Default", {}),
     ("Telephone", dict(LowCut=300, HighCut=3400, Slope=24, Degrade=20, Drive=35, Output=2,
                        Mode=1, Hiss=-60)),
-    ("AM Radio", dict(LowCut=150, HighCut=4500, Slope=18, Degrade=25, Drive=30, Mode=1,
-                      Hiss=-48)),
+    ("AM Radio", dict(LowCut=150, HighCut=4500, Slope=18, Degrade=25, Drive=30, Output=1.5,
+                      Mode=1, Hiss=-48)),
     ("Walkie-Talkie", dict(LowCut=500, HighCut=2500, Slope=48, Degrade=45, Drive=60,
-                           Output=-3, Mode=1, Hiss=-42)),
+                           Output=4.5, Mode=1, Hiss=-42)),
     ("12-Bit Sampler", dict(LowCut=30, HighCut=12000, Degrade=35, Drive=10, Hiss=-84, HQ=1)),
-    ("Crushed Drums", dict(LowCut=40, HighCut=8000, Degrade=60, Drive=45, Output=-4.5, Mix=70,
+    ("Crushed Drums", dict(LowCut=40, HighCut=8000, Degrade=60, Drive=45, Output=0, Mix=70,
                            Hiss=-72)),
     ("Cassette Dub", dict(LowCut=40, HighCut=10000, Degrade=15, Drive=25, Hiss=-54, HQ=1,
                           Width=85)),
     ("Dusty Vinyl", dict(LowCut=30, HighCut=14000, Degrade=10, Drive=15, Hiss=-60, Width=90)),
     ("Underwater", dict(HighCut=800, Slope=24, Drive=10, Output=3, HQ=1)),
     ("Clean Band-Pass", dict(LowCut=80, HighCut=16000, HQ=1)),
-    ("Bitcrusher Mayhem", dict(Degrade=90, Drive=80, Output=-9)),
+    ("Bitcrusher Mayhem", dict(Degrade=90, Drive=80, Output=3)),
     ("Parallel Grit", dict(LowCut=100, HighCut=9000, Slope=24, Degrade=50, Drive=50,
-                           Output=-2, Mix=35, HQ=1)),
+                           Output=1.5, Mix=35, HQ=1)),
     ("Narrow Lo-Fi", dict(LowCut=120, HighCut=6000, Degrade=30, Drive=20, Mode=2, Width=60,
                           Hiss=-66)),
 ]
