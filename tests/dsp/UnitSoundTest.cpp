@@ -174,6 +174,23 @@ TEST(UnitSound, DryAndBypassLineUpWithTheWetPath) {
   }
 }
 
+TEST(UnitSound, HQKeepsTheDrivesOvertonesFromFoldingBack) {
+  // A 5.1 kHz tone driven hard has odd overtones at 25.5, 35.7, 45.9 and
+  // 56.1 kHz, which fold back at 48 kHz to 22.5, 12.3, 2.1 and 8.1 kHz:
+  // tones that are no overtone of it. Oversampling keeps them down.
+  const Signal in = sine(5100, 0.5, kRate, 48000);
+  const auto folded = [&](bool hq) {
+    Unit unit = unitWith(1, {{kPidDrive, 100}, {kPidHQ, hq ? 1.f : 0.f}});
+    const Signal y = render(unit, in, in).first;
+    double sum = 0;
+    for (double f : {12300.0, 2100.0, 8100.0}) sum += std::pow(toneAmplitude(y, f, kRate, 9600, 38400), 2);
+    return decibels(std::sqrt(sum) / toneAmplitude(y, 5100, kRate, 9600, 38400));
+  };
+  const double without = folded(false), with = folded(true);
+  EXPECT_LT(with, without - 20) << "without HQ " << without << " dB, with " << with << " dB";
+  EXPECT_LT(with, -70);
+}
+
 TEST(UnitSound, LatencyAndOversamplingFollowTheRateAndHQ) {
   struct Case {
     double rate;
