@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 ZEL_DSP_NAMESPACE_BEGIN
 
@@ -99,16 +100,17 @@ double ZelVantryEngine::driveCompensation(double drive) const {
 
 // ---- Parameters
 
+// Each glide's target, in the units it moves in.
+void ZelVantryEngine::aim(const float* v, bool jump) {
+  const std::pair<ZelRamp*, double> targets[] = {
+      {&drive_, v[kPidDrive]},   {&degrade_, v[kPidDegrade]},           {&output_, v[kPidOutput]},
+      {&lowCut_, std::log(v[kPidLowCut])}, {&highCut_, std::log(v[kPidHighCut])}, {&slope_, v[kPidSlope]},
+      {&mix_, v[kPidMix]},       {&hiss_, v[kPidHiss]},                 {&width_, v[kPidWidth]}};
+  for (const auto& [ramp, target] : targets) jump ? ramp->snap(target) : ramp->glideTo(target);
+}
+
 void ZelVantryEngine::start(const float* v) {
-  drive_.snap(v[kPidDrive]);
-  degrade_.snap(v[kPidDegrade]);
-  output_.snap(v[kPidOutput]);
-  lowCut_.snap(std::log(v[kPidLowCut]));
-  highCut_.snap(std::log(v[kPidHighCut]));
-  slope_.snap(v[kPidSlope]);
-  mix_.snap(v[kPidMix]);
-  hiss_.snap(v[kPidHiss]);
-  width_.snap(v[kPidWidth]);
+  aim(v, true);
   power_.snap(v[kPidMasterOnOff] >= 0.5f ? 1 : 0);
   dip_.snap(1);
   mode_ = pendingMode_ = int(std::lround(v[kPidMode]));
@@ -120,15 +122,7 @@ void ZelVantryEngine::start(const float* v) {
 }
 
 void ZelVantryEngine::follow(const float* v) {
-  drive_.glideTo(v[kPidDrive]);
-  degrade_.glideTo(v[kPidDegrade]);
-  output_.glideTo(v[kPidOutput]);
-  lowCut_.glideTo(std::log(v[kPidLowCut]));
-  highCut_.glideTo(std::log(v[kPidHighCut]));
-  slope_.glideTo(v[kPidSlope]);
-  mix_.glideTo(v[kPidMix]);
-  hiss_.glideTo(v[kPidHiss]);
-  width_.glideTo(v[kPidWidth]);
+  aim(v, false);
   const bool on = v[kPidMasterOnOff] >= 0.5f;
   if (on && power_.value() == 0 && !power_.moving()) clearLanes();  // waking: start clean
   power_.glideTo(on ? 1 : 0);

@@ -45,6 +45,7 @@ class ZelVantryEngine {
  private:
   struct Lane;  // one channel of processing
 
+  void aim(const float* values, bool jump);
   void start(const float* values);
   void follow(const float* values);
   void subBlock(const float* const* in, float* const* out, std::uint32_t offset, int n);
