@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "controls/ZelControlLook.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 
 ZEL_NAMESPACE_BEGIN
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 
 ZEL_NAMESPACE_BEGIN
 

@@ -6,7 +6,7 @@
 #include "controls/ZelControlLook.h"
 #include "editor/elements/ZelFocusBorder.h"
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelTransaction.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -6,9 +6,9 @@
 
 #include "controls/ZelPrimaryControls.h"
 #include "layout/engine/ZelPluginLayout.h"
-#include "layout/theme/ZelBorderSpec.h"
-#include "layout/theme/ZelLabelImage.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelBorderSpec.h"
+#include "theme/ZelLabelImage.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/foundation/ZelNumberParser.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -5,8 +5,8 @@
 
 #include "controls/ZelControlLook.h"
 #include "editor/elements/ZelFocusBorder.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelPresets.h"
 #include "toolkit/core/ZelTransaction.h"
 

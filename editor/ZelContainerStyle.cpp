@@ -1,7 +1,7 @@
 #include "editor/ZelContainerStyle.h"
 
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 
 ZEL_NAMESPACE_BEGIN
 

@@ -4,8 +4,8 @@
 
 #include "editor/ZelContainerStyle.h"
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelWindow.h"
 
 ZEL_NAMESPACE_BEGIN

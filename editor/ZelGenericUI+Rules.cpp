@@ -8,8 +8,8 @@
 #include <cmath>
 
 #include "editor/ZelGenericUI.h"
-#include "layout/views/ZelClumpView.h"
-#include "layout/views/ZelClumpsView.h"
+#include "editor/containers/ZelClumpView.h"
+#include "editor/containers/ZelClumpsView.h"
 #include "model/ZelConfig.h"
 #include "toolkit/foundation/ZelNumberParser.h"
 

@@ -12,9 +12,9 @@
 #include "editor/elements/ZelSymbolButton.h"
 #include "host/ZelSpeedLim.h"
 #include "sketch/ZelParameterSketch.h"
-#include "layout/theme/ZelUITheme.h"
-#include "layout/views/ZelClumpView.h"
-#include "layout/views/ZelClumpsView.h"
+#include "theme/ZelUITheme.h"
+#include "editor/containers/ZelClumpView.h"
+#include "editor/containers/ZelClumpsView.h"
 #include "model/ZelConfig.h"
 #include "toolkit/core/ZelWindow.h"
 

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "layout/theme/ZelLabelImage.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelLabelImage.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelMetadata.h"
 #include "toolkit/core/ZelMenu.h"
 #include "toolkit/core/ZelWindow.h"

@@ -6,8 +6,8 @@
 #include "editor/ZelContainerStyle.h"
 #include "editor/ZelLogoStamp.h"
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/views/ZelClumpDrawing.h"
+#include "theme/ZelIconGlyphs.h"
+#include "editor/containers/ZelClumpDrawing.h"
 
 ZEL_NAMESPACE_BEGIN
 

@@ -15,7 +15,7 @@
 // power box lives. The metadata is not owned. Threading: main thread only.
 #pragma once
 
-#include "layout/views/ZelClumpView.h"
+#include "editor/containers/ZelClumpView.h"
 #include "sketch/ZelSketchHost.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -4,9 +4,9 @@
 #include "controls/ZelPresetControl.h"
 #include "editor/ZelContainerStyle.h"
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
-#include "layout/views/ZelClumpDrawing.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
+#include "editor/containers/ZelClumpDrawing.h"
 #include "model/ZelPresets.h"
 
 ZEL_NAMESPACE_BEGIN

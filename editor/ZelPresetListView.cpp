@@ -5,7 +5,7 @@
 
 #include "editor/ZelPresetsDrawer.h"
 #include "layout/engine/ZelPluginLayout.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -4,8 +4,8 @@
 
 #include "controls/ZelParameterControl.h"
 #include "editor/ZelPresetListView.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -5,7 +5,7 @@
 #include <exception>
 #include <future>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "toolkit/core/ZelTransaction.h"
 #include "toolkit/core/ZelWindow.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 
 ZEL_NAMESPACE_BEGIN
 

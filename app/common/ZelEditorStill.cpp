@@ -1,7 +1,7 @@
 #include "app/common/ZelEditorStill.h"
 
 #include "app/common/ZelEditorSession.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
 #include "toolkit/core/ZelFrameClock.h"

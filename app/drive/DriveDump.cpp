@@ -5,7 +5,7 @@
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelPresetBar.h"
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "sketch/ZelParameterSketch.h"
 

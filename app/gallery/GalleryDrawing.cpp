@@ -3,10 +3,10 @@
 #include <cmath>
 #include <cstdio>
 
-#include "layout/theme/ZelBorderSpec.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelLabelImage.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelBorderSpec.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelLabelImage.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 
 namespace gallery {

@@ -2,7 +2,7 @@
 
 
 #include "app/gallery/GalleryView.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
 #include "toolkit/core/ZelWindow.h"
 #include "toolkit/foundation/ZelRunLoop.h"

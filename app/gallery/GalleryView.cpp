@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelTransaction.h"
 #include "toolkit/core/ZelWindow.h"
 

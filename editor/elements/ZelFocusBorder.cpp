@@ -4,7 +4,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "layout/engine/ZelPluginLayout.h"
 #include "toolkit/core/ZelTransaction.h"
 
 ZEL_NAMESPACE_BEGIN
@@ -64,7 +63,7 @@ void ZelFocusBorder::animate(bool on) {
 void ZelFocusBorder::updateWithFrame(CGRect frame, double rounding) {
   rounding_ = rounding;
   setFrame(frame);
-  setPath(ZelPluginLayout::newCGPathForRect(frame, rounding));
+  setPath(ZelPath::roundedRectAtOrigin(frame.size, rounding));
 }
 
 void ZelFocusBorder::setStrokeNSColor(ZelColor color) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelTransaction.h"
 #include "toolkit/core/ZelWindow.h"
 

@@ -156,30 +156,7 @@ CGRect ZelPluginLayout::labelFrameForIndex(std::int64_t index) const {
 }
 
 ZelPath ZelPluginLayout::newCGPathForRect(CGRect rect, double rounding) {
-  const double r = rounding, w = rect.size.width, h = rect.size.height;
-  ZelPath path;
-  path.moveTo({r, 0});
-  path.arcTo({w, 0}, {w, r}, r);
-  path.arcTo({w, h}, {w - r, h}, r);
-  path.arcTo({0, h}, {0, h - r}, r);
-  path.arcTo({0, 0}, {r, 0}, r);
-  path.close();
-  return path;
-}
-
-void CGRectEdgeAsTwoPoints(int edge, CGPoint* start, CGPoint* end, CGRect rect) {
-  const double x0 = CGRectGetMinX(rect), y0 = CGRectGetMinY(rect);
-  const double x1 = CGRectGetMaxX(rect), y1 = CGRectGetMaxY(rect);
-  CGPoint s{x0, y0}, e{x1, y1};
-  switch (edge) {
-    case CGRectMinXEdge: e = {x0, y1}; break;
-    case CGRectMinYEdge: e = {x1, y0}; break;
-    case CGRectMaxXEdge: s = {x1, y0}; break;
-    case CGRectMaxYEdge: s = {x0, y1}; break;
-    default: break;  // the diagonal
-  }
-  if (start) *start = s;
-  if (end) *end = e;
+  return ZelPath::roundedRectAtOrigin(rect.size, rounding);
 }
 
 std::vector<CGRect> ZelHairlineRectsForEdges(const std::vector<ZelLayoutEdge>& edges, CGRect frame) {

@@ -60,10 +60,6 @@ class ZelPluginLayout {
   ZelLayoutFrames frames_;
 };
 
-// The end points of one side of a rectangle (0 min-x, 1 min-y, 2 max-x,
-// 3 max-y); any other edge number gives the diagonal.
-void CGRectEdgeAsTwoPoints(int edge, CGPoint* start, CGPoint* end, CGRect rect);
-
 // The filled half-point rectangles that draw `edges` as hairlines. Both end
 // points are first shifted by (+frame.x / 2, -frame.y / 2): only the frame's
 // origin is used, halved, so callers that draw unshifted pass the zero

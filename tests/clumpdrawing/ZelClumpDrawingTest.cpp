@@ -1,8 +1,8 @@
-#include "layout/views/ZelClumpDrawing.h"
+#include "editor/containers/ZelClumpDrawing.h"
 
 #include <gtest/gtest.h>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelPlatformWindow.h"
 #include "toolkit/core/ZelRecordingGraphicsContext.h"
 #include "toolkit/core/ZelWindow.h"

@@ -3,8 +3,8 @@
 
 #include "ContainersTestSupport.h"
 #include "controls/ZelParameterControl.h"
-#include "layout/theme/ZelUITheme.h"
-#include "layout/views/ZelClumpView.h"
+#include "theme/ZelUITheme.h"
+#include "editor/containers/ZelClumpView.h"
 #include "toolkit/core/ZelBase64.h"
 #include "toolkit/core/ZelImageEncoding.h"
 

@@ -4,8 +4,8 @@
 #include <numbers>
 
 #include "ContainersTestSupport.h"
-#include "layout/theme/ZelUITheme.h"
-#include "layout/views/ZelClumpsView.h"
+#include "theme/ZelUITheme.h"
+#include "editor/containers/ZelClumpsView.h"
 
 namespace zel::containers_test {
 namespace {

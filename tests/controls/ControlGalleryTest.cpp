@@ -16,7 +16,7 @@
 #include "controls/ZelPresetControl.h"
 #include "controls/ZelPrimaryControls.h"
 #include "controls/ZelVerticalSlider.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
 
 using namespace zel;

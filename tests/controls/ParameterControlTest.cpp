@@ -3,7 +3,7 @@
 #include "ControlsTestSupport.h"
 #include "controls/ZelBooleanControl.h"
 #include "controls/ZelVerticalSlider.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelMenu.h"
 #include "toolkit/core/ZelRecordingGraphicsContext.h"
 #include "toolkit/foundation/ZelNotificationCenter.h"

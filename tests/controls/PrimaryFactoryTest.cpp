@@ -10,8 +10,8 @@
 #include "controls/ZelPrimaryControls.h"
 #include "controls/ZelToggleControl.h"
 #include "controls/ZelVerticalSlider.h"
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelUITheme.h"
 
 using namespace zel;
 using namespace zel::testing;

@@ -5,7 +5,7 @@
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "editor/elements/ZelSymbolButton.h"
-#include "layout/views/ZelClumpsView.h"
+#include "editor/containers/ZelClumpsView.h"
 #include "sketch/ZelParameterSketch.h"
 
 using namespace zel;

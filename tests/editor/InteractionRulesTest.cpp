@@ -1,6 +1,6 @@
 #include "EditorTestSupport.h"
-#include "layout/views/ZelClumpView.h"
-#include "layout/views/ZelClumpsView.h"
+#include "editor/containers/ZelClumpView.h"
+#include "editor/containers/ZelClumpsView.h"
 
 using namespace zel;
 using namespace zel::editor_test;

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ElementsTestSupport.h"
-#include "layout/theme/ZelIconGlyphs.h"
+#include "theme/ZelIconGlyphs.h"
 
 namespace {
 

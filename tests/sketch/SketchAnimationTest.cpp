@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "SketchTestSupport.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "sketch/ZelVantryParameterSketch.h"
 
 namespace zel::testing {

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "editor/ZelPowerBox.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "toolkit/core/ZelView.h"
 

@@ -8,8 +8,8 @@
 #include <cmath>
 #include <vector>
 
-#include "layout/theme/ZelIconGlyphs.h"
-#include "layout/theme/ZelThemeResources.h"
+#include "theme/ZelIconGlyphs.h"
+#include "theme/ZelThemeResources.h"
 #include "toolkit/foundation/ZelBundle.h"
 
 #ifdef ZEL_TEST_HAVE_FREETYPE

@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "ImageFixtures.h"
-#include "layout/theme/ZelBorderSpec.h"
-#include "layout/theme/ZelLabelImage.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelBorderSpec.h"
+#include "theme/ZelLabelImage.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelRecordingGraphicsContext.h"
 
 using namespace zel;

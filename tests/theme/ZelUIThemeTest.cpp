@@ -1,11 +1,11 @@
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "layout/theme/ZelIconGlyphs.h"
+#include "theme/ZelIconGlyphs.h"
 #include "toolkit/foundation/ZelBundle.h"
 #include "toolkit/foundation/ZelNotificationCenter.h"
 

@@ -158,4 +158,21 @@ inline void CGRectDivide(CGRect r, CGRect* slice, CGRect* remainder, double amou
   if (remainder) *remainder = rest;
 }
 
+// The end points of one side of a rectangle (0 min-x, 1 min-y, 2 max-x,
+// 3 max-y); any other edge number gives the diagonal.
+inline void CGRectEdgeAsTwoPoints(int edge, CGPoint* start, CGPoint* end, CGRect rect) {
+  const double x0 = CGRectGetMinX(rect), y0 = CGRectGetMinY(rect);
+  const double x1 = CGRectGetMaxX(rect), y1 = CGRectGetMaxY(rect);
+  CGPoint s{x0, y0}, e{x1, y1};
+  switch (edge) {
+    case CGRectMinXEdge: e = {x0, y1}; break;
+    case CGRectMinYEdge: e = {x1, y0}; break;
+    case CGRectMaxXEdge: s = {x1, y0}; break;
+    case CGRectMaxYEdge: s = {x0, y1}; break;
+    default: break;  // the diagonal
+  }
+  if (start) *start = s;
+  if (end) *end = e;
+}
+
 ZEL_NAMESPACE_END

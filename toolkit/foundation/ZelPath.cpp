@@ -2,6 +2,18 @@
 
 ZEL_NAMESPACE_BEGIN
 
+ZelPath ZelPath::roundedRectAtOrigin(CGSize size, double radius) {
+  const double r = radius, w = size.width, h = size.height;
+  ZelPath path;
+  path.moveTo({r, 0});
+  path.arcTo({w, 0}, {w, r}, r);
+  path.arcTo({w, h}, {w - r, h}, r);
+  path.arcTo({0, h}, {0, h - r}, r);
+  path.arcTo({0, 0}, {r, 0}, r);
+  path.close();
+  return path;
+}
+
 ZelPath ZelPath::roundedRect(CGRect r, double radius) {
   r = CGRectStandardize(r);
   radius = std::min(radius, std::min(r.size.width, r.size.height) / 2);

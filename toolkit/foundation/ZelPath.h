@@ -58,6 +58,10 @@ class ZelPath {
   // A closed rounded rectangle at the rectangle's own position (the radius
   // is limited to half the shorter side).
   static ZelPath roundedRect(CGRect r, double radius);
+  // A closed rounded rectangle of `size` with its corner at the origin,
+  // started at (radius, 0) and drawn counter-clockwise (the radius is taken
+  // as it is).
+  static ZelPath roundedRectAtOrigin(CGSize size, double radius);
   // The area the elements can reach (arcs by their full circles, a tangent
   // arc by its lead-in from the current point, its corner and its far
   // point: a safe over-estimate); the null rectangle for an empty path.

@@ -1,8 +1,8 @@
-#include "layout/views/ZelClumpDrawing.h"
+#include "editor/containers/ZelClumpDrawing.h"
 
 #include <cmath>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelTransaction.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -1,11 +1,11 @@
-#include "layout/views/ZelClumpView.h"
+#include "editor/containers/ZelClumpView.h"
 
 #include <algorithm>
 
 #include "controls/ZelParameterControl.h"
-#include "layout/theme/ZelBorderSpec.h"
-#include "layout/theme/ZelLabelImage.h"
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelBorderSpec.h"
+#include "theme/ZelLabelImage.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelClump.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -1,4 +1,4 @@
-#include "layout/theme/ZelLabelImage.h"
+#include "theme/ZelLabelImage.h"
 
 #include <cmath>
 #include <map>
@@ -6,7 +6,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelBase64.h"
 #include "toolkit/core/ZelImageDecoding.h"
 

@@ -1,4 +1,4 @@
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 
 #include <atomic>
 #include <mutex>

@@ -1,6 +1,6 @@
-#include "layout/theme/ZelBorderSpec.h"
+#include "theme/ZelBorderSpec.h"
 
-#include "layout/engine/ZelPluginLayout.h"
+#include "toolkit/foundation/Geometry.h"
 
 ZEL_NAMESPACE_BEGIN
 

@@ -1,4 +1,4 @@
-#include "layout/theme/ZelThemeResources.h"
+#include "theme/ZelThemeResources.h"
 
 #include <cstring>
 #include <fstream>

@@ -16,7 +16,7 @@
 #include <memory>
 #include <string_view>
 
-#include "layout/theme/ZelThemeResources.h"
+#include "theme/ZelThemeResources.h"
 #include "toolkit/core/ZelFont.h"
 #include "toolkit/foundation/ZelColor.h"
 

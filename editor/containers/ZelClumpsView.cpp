@@ -1,9 +1,9 @@
-#include "layout/views/ZelClumpsView.h"
+#include "editor/containers/ZelClumpsView.h"
 
 #include <cmath>
 #include <numbers>
 
-#include "layout/theme/ZelUITheme.h"
+#include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "toolkit/core/ZelWindow.h"
 
