@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "controls/ZelControlLook.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelUITheme.h"
 
 ZEL_NAMESPACE_BEGIN

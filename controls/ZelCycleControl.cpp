@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "controls/ZelControlLook.h"
-#include "editor/elements/ZelFocusBorder.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelTransaction.h"
 

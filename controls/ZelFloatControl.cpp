@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 #include "toolkit/core/ZelMenu.h"
 #include "toolkit/core/ZelTransaction.h"
 #include "toolkit/core/ZelWindow.h"

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "controls/ZelControlLook.h"
-#include "editor/elements/ZelFocusBorder.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelUITheme.h"
 #include "model/ZelPresets.h"
 #include "toolkit/core/ZelTransaction.h"

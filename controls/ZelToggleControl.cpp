@@ -5,7 +5,7 @@
 #include <string>
 
 #include "controls/ZelControlLook.h"
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 #include "toolkit/core/ZelShapeLayer.h"
 #include "toolkit/core/ZelTransaction.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "controls/ZelPrimaryControls.h"
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 #include "toolkit/core/ZelTransaction.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -1,6 +1,6 @@
 #include "editor/ZelContainerStyle.h"
 
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "theme/ZelUITheme.h"
 
 ZEL_NAMESPACE_BEGIN

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "editor/ZelContainerStyle.h"
-#include "editor/elements/ZelSymbolButton.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelWindow.h"
 

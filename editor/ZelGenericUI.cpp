@@ -9,7 +9,7 @@
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetBar.h"
 #include "editor/ZelPresetsDrawer.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "host/ZelSpeedLim.h"
 #include "sketch/ZelParameterSketch.h"
 #include "theme/ZelUITheme.h"

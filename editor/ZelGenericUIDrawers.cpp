@@ -3,7 +3,7 @@
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetsDrawer.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "theme/ZelUITheme.h"
 #include "editor/containers/ZelClumpDrawing.h"
 #include "editor/containers/ZelClumpsView.h"

@@ -5,8 +5,8 @@
 
 #include "editor/ZelContainerStyle.h"
 #include "editor/ZelLogoStamp.h"
-#include "editor/elements/ZelSymbolButton.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "editor/containers/ZelClumpDrawing.h"
 
 ZEL_NAMESPACE_BEGIN

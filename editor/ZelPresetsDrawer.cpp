@@ -4,7 +4,7 @@
 
 #include "controls/ZelParameterControl.h"
 #include "editor/ZelPresetListView.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 

@@ -4,7 +4,7 @@
 
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelPresetBar.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"
 #include "sketch/ZelParameterSketch.h"

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "theme/ZelBorderSpec.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelLabelImage.h"
 #include "theme/ZelUITheme.h"
 #include "model/ZelConfig.h"

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelTransaction.h"
 #include "toolkit/core/ZelWindow.h"

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "app/gallery/GalleryDrawing.h"
-#include "editor/elements/ZelFocusBorder.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "toolkit/core/ZelView.h"
 #include "toolkit/foundation/ZelNotificationCenter.h"
 

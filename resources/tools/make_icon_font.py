@@ -12,7 +12,7 @@ ink, and one stroke weight runs through the set.
                                                     # also one PNG per glyph
 
 The code points are listed in resources/icons/README.md and, for the editor,
-in theme/ZelIconGlyphs.h; keep the three in step.
+in toolkit/widgets/ZelIconGlyphs.h; keep the three in step.
 """
 
 import math

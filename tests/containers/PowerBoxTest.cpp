@@ -8,7 +8,7 @@
 #include "editor/ZelLogoStamp.h"
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetBar.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "toolkit/core/ZelMenu.h"
 #include "toolkit/core/ZelWindow.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ControlsTestSupport.h"
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 #include "toolkit/core/ZelMenu.h"
 
 namespace zel::testing {

@@ -10,7 +10,7 @@
 #include "controls/ZelPrimaryControls.h"
 #include "controls/ZelToggleControl.h"
 #include "controls/ZelVerticalSlider.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelUITheme.h"
 
 using namespace zel;

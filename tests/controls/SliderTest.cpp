@@ -3,7 +3,7 @@
 #include "PrimaryTestSupport.h"
 #include "controls/ZelNoteSlider.h"
 #include "controls/ZelVerticalSlider.h"
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 #include "toolkit/core/ZelRecordingGraphicsContext.h"
 
 using namespace zel;

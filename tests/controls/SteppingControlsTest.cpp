@@ -10,7 +10,7 @@
 #include "controls/ZelPresetControl.h"
 #include "controls/ZelPrimaryControls.h"
 #include "controls/ZelToggleControl.h"
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "toolkit/core/ZelRecordingGraphicsContext.h"
 #include "toolkit/core/ZelShapeLayer.h"
 

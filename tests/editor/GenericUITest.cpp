@@ -4,7 +4,7 @@
 #include "editor/ZelDrawerView.h"
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetsDrawer.h"
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 #include "editor/containers/ZelClumpsView.h"
 #include "sketch/ZelParameterSketch.h"
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <vector>
 
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "theme/ZelThemeResources.h"
 #include "toolkit/foundation/ZelBundle.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "theme/ZelIconGlyphs.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "toolkit/foundation/ZelBundle.h"
 #include "toolkit/foundation/ZelNotificationCenter.h"
 

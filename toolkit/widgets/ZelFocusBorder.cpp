@@ -1,4 +1,4 @@
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 
 #include <algorithm>
 #include <cmath>

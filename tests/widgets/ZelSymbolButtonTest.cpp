@@ -1,9 +1,9 @@
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 
 #include <gtest/gtest.h>
 
-#include "ElementsTestSupport.h"
-#include "theme/ZelIconGlyphs.h"
+#include "WidgetsTestSupport.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 
 namespace {
 

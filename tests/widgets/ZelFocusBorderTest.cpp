@@ -1,12 +1,11 @@
-#include "editor/elements/ZelFocusBorder.h"
+#include "toolkit/widgets/ZelFocusBorder.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
-#include "ElementsTestSupport.h"
-#include "layout/engine/ZelPluginLayout.h"
+#include "WidgetsTestSupport.h"
 
 namespace {
 

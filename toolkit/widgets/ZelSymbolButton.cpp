@@ -1,10 +1,9 @@
-#include "editor/elements/ZelSymbolButton.h"
+#include "toolkit/widgets/ZelSymbolButton.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "theme/ZelIconGlyphs.h"
-#include "theme/ZelUITheme.h"
+#include "toolkit/widgets/ZelIconGlyphs.h"
 #include "toolkit/core/ZelTransaction.h"
 #include "toolkit/core/ZelWindow.h"
 
@@ -88,8 +87,7 @@ ZelSymbolButton::~ZelSymbolButton() = default;
 void ZelSymbolButton::resetGlyph(std::string glyph, ZelColor color) {
   color_ = color;
   glyphString_ = std::move(glyph);
-  ZelFontRef font = ZelUITheme::theme()->iconFontOfSize(size_);
-  glyph_->setFont(font ? *font : ZelFont{ZelFontFace::Icons, size_});
+  glyph_->setFont(ZelFont{ZelFontFace::Icons, size_});
   glyph_->setForegroundColor(color);
   glyph_->setString(glyphString_);
   glyph_->setFrame(roundedToWholePoints(centred(iconTextSize(glyphString_, size_), bounds())));

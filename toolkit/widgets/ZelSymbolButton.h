@@ -27,8 +27,8 @@ ZelBasicAnimation ZelStandardPulseAnimation();
 
 class ZelSymbolButton : public ZelControl {
  public:
-  // `glyph` is UTF-8 (usually one of ZelIconGlyph's constants), drawn in the
-  // theme's icon font at `size` points in `color`.
+  // `glyph` is UTF-8 (usually one of ZelIconGlyph's constants), drawn in
+  // the icon face at `size` points in `color`.
   ZelSymbolButton(CGRect frame, std::string glyph, double size, ZelColor color);
   ~ZelSymbolButton() override;
 
