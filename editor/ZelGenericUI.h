@@ -42,6 +42,7 @@
 
 #include "controls/ZelParameterControl.h"
 #include "editor/ZelDrawerView.h"
+#include "editor/ZelGenericUIDelegate.h"
 #include "editor/ZelKeyboardHandler.h"
 #include "sketch/ZelMeteringCallback.h"
 #include "model/ZelClump.h"
@@ -62,35 +63,6 @@ class ZelPowerBox;
 class ZelPresetBar;
 class ZelPresetsDrawer;
 class ZelSpeedLim;
-
-// What the editor tells its host. Every call carries the editor first.
-class ZelGenericUIDelegate {
- public:
-  // The user changed a parameter (value in the parameter's own units).
-  virtual void interfaceUpdatedParameterKeyed(ZelGenericUI& ui, std::int64_t key, float value) = 0;
-  // Gesture begin and end, for automation recording. The editor sends them
-  // (and focuses the control on a begin) only when
-  // respondsToInteractionGestures() is true.
-  virtual void interfaceBeganInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
-    (void)ui, (void)key;
-  }
-  virtual void interfaceEndedInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
-    (void)ui, (void)key;
-  }
-  virtual bool respondsToInteractionGestures() const { return true; }
-  // A preset was loaded.
-  virtual void interfaceDidUpdateCurrentPresetToValueNamed(ZelGenericUI& ui, const std::string& name) {
-    (void)ui, (void)name;
-  }
-  // An interface preference changed: key "theme", value 1 when the theme is
-  // toggled (a toggle event, not the new theme).
-  virtual void interfaceDidUpdateInterfacePreference(ZelGenericUI& ui, std::string_view key, double value) {
-    (void)ui, (void)key, (void)value;
-  }
-
- protected:
-  ~ZelGenericUIDelegate() = default;
-};
 
 // Makes the sketch for a frame (power box coordinates) and a description;
 // the caller gets ownership.
