@@ -1,0 +1,140 @@
+// The host view: the one view a host side places in the plug-in's window,
+// and the only part of the editor that talks to the unit. It loads the
+// description, makes the generic editor its only subview and becomes the
+// editor's delegate; values travel both ways through a ZelUnitConnection
+// (the host's changes to the editor, the user's changes to the unit with
+// begin and end gestures), and so do the preset name, the theme toggle and
+// the channel counts. While its window is key the editor has the keyboard.
+//
+// Values: the connection speaks the unit's representation (frequencies as
+// the linear position 20-20000), the editor its own units (hertz); the
+// fixed parameter table generated from the description (ids 0-11) says how
+// each id converts and clamps. Ids above 11 reach the editor as 0 and are
+// not sent to the unit.
+//
+// Failed unit calls are logged, one line each, through the log sink
+// (stderr by default), and the work goes on with what was obtained.
+//
+// Ownership: the view owns the description and (through the view tree) the
+// editor. The connection is not owned: it must outlive the view, or be
+// replaced first by setAU (nullptr disconnects). The destructor removes the
+// listener. The run loop must outlive the view.
+// Threading: main thread only.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "editor/ZelGenericUI.h"
+#include "editor/ZelGenericUIDelegate.h"
+#include "host/ZelUnitConnection.h"
+#include "toolkit/core/ZelView.h"
+#include "toolkit/foundation/ZelRunLoop.h"
+
+ZEL_NAMESPACE_BEGIN
+
+class ZelConfig;
+
+class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private ZelUnitParameterListener {
+ public:
+  static constexpr std::uint32_t kParameterCount = 12;
+  // The size every host view starts at, whatever the host asked for.
+  static constexpr CGSize kInitialSize{480, 380};
+  static constexpr double kSketchDelay = 1.0;
+  static constexpr double kFocusReassertDelay = 0.5;
+  // An entry of the outgoing values with nothing outstanding.
+  static constexpr float kNothingOutstanding = 3.4028235e38f;
+
+  // How a value converts between the unit and the editor.
+  enum class Conversion { Switch, Plain, Frequency, WholeNumber };
+  struct ParameterSpec {
+    Conversion conversion;
+    float minimum, maximum;
+  };
+  // The product's table, id by id.
+  static const std::array<ParameterSpec, kParameterCount>& parameterTable();
+  // The unit's value of `pid` as the editor sees it (converted, clamped;
+  // 0 for an id above 11).
+  static float editorValueFromUnit(std::uint32_t pid, float unitValue);
+  // The editor's value as the unit takes it (0 for an id above 11).
+  static float unitValueFromEditor(std::uint32_t pid, float editorValue);
+
+  // Delayed calls go to `runLoop`, which must outlive the view. The
+  // description is read as "config" from `resourcesDirectory` (the bundle's
+  // resources folder); empty: the process's bundle (ZelBundle).
+  explicit ZelHostView(ZelRunLoop& runLoop, std::string resourcesDirectory = {});
+  // Cancels the view's delayed calls, stops observing the window, removes
+  // the listener and the editor.
+  ~ZelHostView() override;
+  ZelHostView(const ZelHostView&) = delete;
+  ZelHostView& operator=(const ZelHostView&) = delete;
+
+  // Where failed unit calls are reported (one line each, ending in "\n").
+  void setLogSink(std::function<void(std::string_view line)> sink) { logSink_ = std::move(sink); }
+  // The sketch added one second after connecting; by default the product's
+  // (for a description that asks for one); an empty factory: none.
+  void setSketchFactory(ZelSketchFactory factory) { sketchFactory_ = std::move(factory); }
+  static ZelSketchFactory productSketchFactory();
+
+  // Connects to a unit (not owned; must outlive the view or be replaced):
+  // listeners, description, editor, sketch a second later, the window's key
+  // state, first responder, every current value and the preset name, the
+  // deferred drawer step and the channel counts. Put the view in its window
+  // first. A second call first removes the previous unit's listener.
+  void setAU(ZelUnitConnection* unit);
+  ZelUnitConnection* unit() const { return unit_; }
+  ZelGenericUI* ui() const { return ui_; }
+  const ZelConfig* config() const { return config_.get(); }
+  const std::string& lastPreset() const { return lastPreset_; }
+  float outgoingValue(std::uint32_t pid) const { return pid < kParameterCount ? outgoing_[pid] : kNothingOutstanding; }
+
+  void addListeners();
+  void removeListeners();
+  // Reads, sets back and notifies every value (so that each reaches the
+  // editor through the listener), then tells the editor the preset name.
+  void synchronizeUIWithParameterValues();
+  // The unit's current value of `pid` (0 when the read fails; not logged).
+  float valueForParameterID(std::uint32_t pid) const;
+  void notifyEventType(ZelUnitGesture gesture, std::uint32_t pid);
+  void requestPresetNamed(const std::string& name);
+
+  // ---- Focus (the window's key state).
+  void containingWindowDidResignKey();
+  void containingWindowDidBecomeKey();
+  void ensureFirstResponder();
+
+  // ---- ZelGenericUIDelegate.
+  void interfaceUpdatedParameterKeyed(ZelGenericUI& ui, std::int64_t key, float value) override;
+  void interfaceBeganInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) override;
+  void interfaceEndedInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) override;
+  void interfaceDidUpdateCurrentPresetToValueNamed(ZelGenericUI& ui, const std::string& name) override;
+  void interfaceDidUpdateInterfacePreference(ZelGenericUI& ui, std::string_view key, double value) override;
+
+  // ---- ZelUnitParameterListener: a change the unit reports.
+  void parameterListener(const void* sender, std::uint32_t pid, float value) override;
+
+ private:
+  void logFailure(int line, const char* operation, ZelUnitStatus status) const;
+  void deliver(std::uint32_t pid, float value);
+  void addSketch();
+  void observeWindow();
+  void removeEditor();
+
+  ZelRunLoop& runLoop_;
+  std::string resourcesDirectory_;
+  ZelUnitConnection* unit_ = nullptr;
+  bool listening_ = false;
+  std::unique_ptr<ZelConfig> config_;
+  ZelGenericUI* ui_ = nullptr;  // owned by the view tree
+  ZelWindow* observedWindow_ = nullptr;
+  std::string lastPreset_;
+  std::array<float, kParameterCount> outgoing_{};
+  ZelSketchFactory sketchFactory_;
+  std::function<void(std::string_view)> logSink_;
+};
+
+ZEL_NAMESPACE_END
