@@ -233,6 +233,13 @@ void ZelHostView::requestPresetNamed(const std::string& name) {
   if (ui_) ui_->requestPresetNamed(name);
 }
 
+void ZelHostView::unitPresetNameChanged() {
+  std::string name;
+  if (!unit_ || unit_->getPresetName(name) != kZelUnitNoErr || name == lastPreset_) return;
+  lastPreset_ = std::move(name);
+  if (ui_) ui_->lastSavedPresetWasNamed(lastPreset_);
+}
+
 void ZelHostView::parameterListener(const void* sender, std::uint32_t pid, float value) {
   (void)sender;
   // The echo of the editor's own last change consumes its mark; the value

@@ -101,6 +101,9 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   float valueForParameterID(std::uint32_t pid) const;
   void notifyEventType(ZelUnitGesture gesture, std::uint32_t pid);
   void requestPresetNamed(const std::string& name);
+  // The unit's preset name changed on its own (a preset chosen in the
+  // host): reads it again and tells the editor.
+  void unitPresetNameChanged();
 
   // ---- Focus (the window's key state).
   void containingWindowDidResignKey();

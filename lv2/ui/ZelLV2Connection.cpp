@@ -1,0 +1,257 @@
+#include "lv2/ui/ZelLV2Connection.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include <lv2/atom/forge.h>
+#include <lv2/patch/patch.h>
+
+#include "dsp/ZelVantryParameterTable.h"
+
+ZEL_NAMESPACE_BEGIN
+
+namespace {
+
+using namespace zel_vantry_lv2;
+
+constexpr float kPositionLow = 20, kPositionSpan = 19980;
+constexpr float kFrequencyLow = 20, kFrequencyRatio = 1000;
+
+bool isFrequency(std::uint32_t pid) {
+  return pid < kControlPortCount && kZelParameters[pid].kind == ZelParameterKind::Frequency;
+}
+
+}  // namespace
+
+float ZelLV2Connection::unitValueFromPort(std::uint32_t pid, float hz) {
+  if (!isFrequency(pid)) return hz;
+  return std::log(std::max(hz, 1e-6f) / kFrequencyLow) / std::log(kFrequencyRatio) * kPositionSpan + kPositionLow;
+}
+
+float ZelLV2Connection::portValueFromUnit(std::uint32_t pid, float x) {
+  if (!isFrequency(pid)) return x;
+  return std::exp(std::log(kFrequencyRatio) * (x - kPositionLow) / kPositionSpan + std::log(kFrequencyLow));
+}
+
+ZelLV2Connection::ZelLV2Connection(LV2UI_Write_Function write, LV2UI_Controller controller, LV2_URID_Map* map,
+                                   const LV2UI_Touch* touch, std::uint32_t channels)
+    : write_(write), controller_(controller), touch_(touch), channelsIn_(channels), channelsOut_(channels) {
+  auto m = [map](const char* uri) { return map->map(map->handle, uri); };
+  urids_ = {m(LV2_ATOM__eventTransfer), m(LV2_ATOM__Object), m(LV2_ATOM__URID),  m(LV2_ATOM__String),
+            m(LV2_ATOM__Int),           m(LV2_ATOM__Bool),   m(LV2_PATCH__Set),  m(LV2_PATCH__Get),
+            m(LV2_PATCH__property),     m(LV2_PATCH__value), m(kPresetName),     m(kTheme),
+            m(kThemeToggle),            m(kChannelsIn),      m(kChannelsOut)};
+  lv2_atom_forge_init(&forge_, map);
+  for (std::uint32_t pid = 0; pid < kControlPortCount; ++pid)
+    values_[pid] = unitValueFromPort(pid, kZelParameters[pid].initial);
+}
+
+// ---- From the host.
+
+void ZelLV2Connection::portEvent(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
+  if (!buffer) return;
+  if (port < kControlPortCount) {
+    if (format != 0 || size != sizeof(float)) return;
+    float hz;
+    std::memcpy(&hz, buffer, sizeof hz);
+    if (!std::isfinite(hz)) return;
+    values_[port] = unitValueFromPort(port, hz);
+    tell(nullptr, port);
+  } else if (port == kNotifyAtomPort && format == urids_.atomEventTransfer) {
+    receiveAtom(static_cast<const LV2_Atom*>(buffer), size);
+  }
+}
+
+void ZelLV2Connection::receiveAtom(const LV2_Atom* atom, std::uint32_t size) {
+  if (size < sizeof(LV2_Atom) || atom->size > size - sizeof(LV2_Atom)) return;
+  if (atom->type != urids_.atomObject || atom->size < sizeof(LV2_Atom_Object_Body)) return;
+  const auto* object = reinterpret_cast<const LV2_Atom_Object*>(atom);
+  if (object->body.otype != urids_.patchSet) return;
+  // Walk the properties with every size checked against the object's end.
+  const auto* begin = reinterpret_cast<const std::uint8_t*>(&object->body);
+  const std::uint8_t* end = begin + atom->size;
+  const std::uint8_t* p = begin + sizeof(LV2_Atom_Object_Body);
+  LV2_URID property = 0;
+  const LV2_Atom* value = nullptr;
+  while (end - p >= static_cast<std::ptrdiff_t>(sizeof(LV2_Atom_Property_Body))) {
+    const auto* prop = reinterpret_cast<const LV2_Atom_Property_Body*>(p);
+    const std::size_t valueSize = prop->value.size;
+    if (valueSize > static_cast<std::size_t>(end - p) - sizeof(LV2_Atom_Property_Body)) return;
+    if (prop->key == urids_.patchProperty && prop->value.type == urids_.atomURID && valueSize == sizeof(LV2_URID))
+      property = reinterpret_cast<const LV2_Atom_URID*>(&prop->value)->body;
+    else if (prop->key == urids_.patchValue)
+      value = &prop->value;
+    p += sizeof(LV2_Atom_Property_Body) + lv2_atom_pad_size(static_cast<std::uint32_t>(valueSize));
+  }
+  if (property && value) receiveProperty(property, value);
+}
+
+void ZelLV2Connection::receiveProperty(LV2_URID key, const LV2_Atom* value) {
+  const auto integer = [&](std::int32_t& out) {
+    if ((value->type != urids_.atomInt && value->type != urids_.atomBool) || value->size != sizeof(std::int32_t))
+      return false;
+    out = reinterpret_cast<const LV2_Atom_Int*>(value)->body;
+    return true;
+  };
+  std::int32_t n = 0;
+  if (key == urids_.presetName && value->type == urids_.atomString) {
+    const char* text = static_cast<const char*>(LV2_ATOM_BODY_CONST(value));
+    const std::size_t length = strnlen(text, value->size);
+    if (length == value->size || length > kMaxPresetNameBytes) return;  // unterminated or too long
+    presetName_.assign(text, length);
+    if (observer_.presetNameChanged) observer_.presetNameChanged(presetName_);
+  } else if (key == urids_.theme && integer(n)) {
+    if (observer_.themeReported) observer_.themeReported(n != 0);
+  } else if (key == urids_.channelsIn && integer(n) && n >= 0 && n <= 64) {
+    channelsIn_ = static_cast<std::uint32_t>(n);
+  } else if (key == urids_.channelsOut && integer(n) && n >= 0 && n <= 64) {
+    channelsOut_ = static_cast<std::uint32_t>(n);
+  }
+}
+
+// ---- To the host.
+
+void ZelLV2Connection::writeAtom(const void* atom, std::uint32_t size) {
+  write_(controller_, kControlAtomPort, size, urids_.atomEventTransfer, atom);
+}
+
+void ZelLV2Connection::sendSet(LV2_URID key, const std::string* string, bool flag) {
+  std::vector<std::uint8_t> buffer(256 + (string ? string->size() : 0));
+  LV2_Atom_Forge forge = forge_;
+  lv2_atom_forge_set_buffer(&forge, buffer.data(), buffer.size());
+  LV2_Atom_Forge_Frame frame;
+  auto* set = reinterpret_cast<LV2_Atom*>(lv2_atom_forge_object(&forge, &frame, 0, urids_.patchSet));
+  lv2_atom_forge_key(&forge, urids_.patchProperty);
+  lv2_atom_forge_urid(&forge, key);
+  lv2_atom_forge_key(&forge, urids_.patchValue);
+  if (string) {
+    lv2_atom_forge_string(&forge, string->c_str(), static_cast<std::uint32_t>(string->size()));
+  } else {
+    lv2_atom_forge_bool(&forge, flag);
+  }
+  lv2_atom_forge_pop(&forge, &frame);
+  if (set) writeAtom(set, lv2_atom_total_size(set));
+}
+
+void ZelLV2Connection::sendGet() {
+  struct {
+    LV2_Atom_Object object;
+  } get{};
+  get.object.atom.size = sizeof(LV2_Atom_Object_Body);
+  get.object.atom.type = urids_.atomObject;
+  get.object.body.otype = urids_.patchGet;
+  writeAtom(&get, sizeof get);
+}
+
+void ZelLV2Connection::requestState() { sendGet(); }
+
+void ZelLV2Connection::tell(const void* sender, std::uint32_t pid) {
+  // A copy: a listener may add or remove listeners while it is told.
+  const std::vector<Listener> listeners = listeners_;
+  for (const Listener& l : listeners)
+    if (l.pids.count(pid)) l.listener->parameterListener(sender, pid, values_[pid]);
+}
+
+// ---- ZelUnitConnection.
+
+ZelUnitStatus ZelLV2Connection::getParameter(std::uint32_t pid, float& value) {
+  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  value = values_[pid];
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::setParameter(std::uint32_t pid, float value, const void* sender) {
+  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  if (!std::isfinite(value)) return kZelUnitInvalidParameter;
+  const bool changed = value != values_[pid];
+  values_[pid] = value;
+  if (changed) {
+    const float port = std::clamp(portValueFromUnit(pid, value), kZelParameters[pid].minimum, kZelParameters[pid].maximum);
+    write_(controller_, pid, sizeof(float), 0, &port);
+  }
+  tell(sender, pid);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::notifyListeners(std::uint32_t pid, const void* sender) {
+  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  tell(sender, pid);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::postGesture(ZelUnitGesture gesture, std::uint32_t pid, const void* sender) {
+  (void)sender;
+  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  if (touch_ && touch_->touch) touch_->touch(touch_->handle, pid, gesture == ZelUnitGesture::Begin);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::createListener(ZelUnitParameterListener* listener) {
+  if (!listener) return kZelUnitInvalidParameter;
+  if (std::none_of(listeners_.begin(), listeners_.end(), [&](const Listener& l) { return l.listener == listener; }))
+    listeners_.push_back({listener, {}});
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
+  for (Listener& l : listeners_)
+    if (l.listener == listener) {
+      l.pids.insert(pid);
+      return kZelUnitNoErr;
+    }
+  return kZelUnitInvalidParameter;
+}
+
+ZelUnitStatus ZelLV2Connection::removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
+  for (Listener& l : listeners_)
+    if (l.listener == listener) {
+      l.pids.erase(pid);
+      return kZelUnitNoErr;
+    }
+  return kZelUnitInvalidParameter;
+}
+
+ZelUnitStatus ZelLV2Connection::disposeListener(ZelUnitParameterListener* listener) {
+  std::erase_if(listeners_, [&](const Listener& l) { return l.listener == listener; });
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::setInterfacePreference(bool flag) {
+  sendSet(urids_.themeToggle, nullptr, flag);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::getPresetName(std::string& name) {
+  name = presetName_;
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::setPresetName(const std::string& name) {
+  // The plug-in keeps a bounded name: cut on a character boundary.
+  std::string kept = name.substr(0, kMaxPresetNameBytes);
+  while (!kept.empty() && kept.size() < name.size() && (static_cast<unsigned char>(name[kept.size()]) & 0xC0) == 0x80)
+    kept.pop_back();
+  presetName_ = kept;
+  sendSet(urids_.presetName, &kept, false);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::getChannelCount(ZelUnitProperty which, std::uint32_t& count) {
+  if (which == ZelUnitProperty::ChannelsIn) {
+    count = channelsIn_;
+  } else if (which == ZelUnitProperty::ChannelsOut) {
+    count = channelsOut_;
+  } else {
+    return kZelUnitInvalidProperty;
+  }
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::getMetering(ZelUnitMetering& metering) {
+  metering = {};
+  return kZelUnitInvalidProperty;  // this product's sketch does not meter
+}
+
+ZEL_NAMESPACE_END

@@ -1,0 +1,205 @@
+// The LV2 UI: the editor in an X11 window embedded in the host's parent,
+// behind the host view and a connection that reaches the plug-in only
+// through the host. The host's idle call pumps our own X connection without
+// blocking.
+//
+// Features: ui:parent and urid:map are required; ui:resize, ui:touch,
+// options (ui:scaleFactor) and log:log are used when offered.
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include <lv2/core/lv2.h>
+#include <lv2/log/log.h>
+#include <lv2/options/options.h>
+#include <lv2/ui/ui.h>
+#include <lv2/urid/urid.h>
+
+#include "host/ZelHostView.h"
+#include "lv2/common/ZelVantryURIs.h"
+#include "lv2/ui/ZelLV2Connection.h"
+#include "theme/ZelUITheme.h"
+#include "toolkit/core/ZelWindow.h"
+#include "toolkit/foundation/ZelBundle.h"
+#include "toolkit/foundation/ZelRunLoop.h"
+#include "toolkit/x11/ZelX11WindowHost.h"
+
+ZEL_NAMESPACE_BEGIN
+
+namespace {
+
+using namespace zel_vantry_lv2;
+
+struct Features {
+  LV2_URID_Map* map = nullptr;
+  void* parent = nullptr;
+  const LV2UI_Resize* resize = nullptr;
+  const LV2UI_Touch* touch = nullptr;
+  const LV2_Options_Option* options = nullptr;
+  LV2_Log_Log* log = nullptr;
+
+  explicit Features(const LV2_Feature* const* features) {
+    for (int i = 0; features && features[i]; ++i) {
+      const char* uri = features[i]->URI;
+      void* data = features[i]->data;
+      if (!uri) continue;
+      if (!std::strcmp(uri, LV2_URID__map)) map = static_cast<LV2_URID_Map*>(data);
+      else if (!std::strcmp(uri, LV2_UI__parent)) parent = data;
+      else if (!std::strcmp(uri, LV2_UI__resize)) resize = static_cast<const LV2UI_Resize*>(data);
+      else if (!std::strcmp(uri, LV2_UI__touch)) touch = static_cast<const LV2UI_Touch*>(data);
+      else if (!std::strcmp(uri, LV2_OPTIONS__options)) options = static_cast<const LV2_Options_Option*>(data);
+      else if (!std::strcmp(uri, LV2_LOG__log)) log = static_cast<LV2_Log_Log*>(data);
+    }
+  }
+
+  // The host's ui:scaleFactor, or 0 (the window host then reads Xft.dpi).
+  double scaleFactor() const {
+    if (!options || !map) return 0;
+    const LV2_URID key = map->map(map->handle, LV2_UI__scaleFactor);
+    const LV2_URID floatType = map->map(map->handle, LV2_ATOM__Float);
+    for (const LV2_Options_Option* o = options; o->key != 0 || o->value != nullptr; ++o)
+      if (o->key == key && o->type == floatType && o->size == sizeof(float) && o->value) {
+        float f;
+        std::memcpy(&f, o->value, sizeof f);
+        if (f >= 0.5f && f <= 8.0f) return f;
+      }
+    return 0;
+  }
+};
+
+class ZelVantryUI {
+ public:
+  static ZelVantryUI* create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
+                             LV2UI_Controller controller, LV2UI_Widget* widget, const LV2_Feature* const* features);
+  ~ZelVantryUI();
+
+  void portEvent(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
+    connection_->portEvent(port, size, format, buffer);
+  }
+  // 0 while the window is open, 1 once it was closed or destroyed.
+  int idle() { return host_->pump() ? 0 : 1; }
+
+ private:
+  ZelVantryUI() = default;
+  void log(std::string_view line) const;
+  void applyRememberedTheme(bool toggled);
+
+  Features features_{nullptr};
+  ZelMonotonicClock clock_;
+  std::unique_ptr<ZelRunLoop> loop_;
+  std::unique_ptr<ZelWindow> window_;
+  std::unique_ptr<ZelX11WindowHost> host_;
+  std::unique_ptr<ZelLV2Connection> connection_;
+  ZelHostView* view_ = nullptr;  // owned by the window
+};
+
+void ZelVantryUI::log(std::string_view line) const {
+  if (features_.log && features_.map) {
+    const LV2_URID error = features_.map->map(features_.map->handle, LV2_LOG__Error);
+    features_.log->printf(features_.log->handle, error, "%.*s", static_cast<int>(line.size()), line.data());
+  } else {
+    std::fwrite(line.data(), 1, line.size(), stderr);
+  }
+}
+
+// The plug-in remembers how many times the theme was toggled (modulo 2)
+// from the light one; the theme is the process's, so it changes only when
+// it differs.
+void ZelVantryUI::applyRememberedTheme(bool toggled) {
+  const bool dark = ZelUITheme::theme() == ZelUITheme::dark();
+  if (dark != toggled) ZelUITheme::toggleThemeForWindow(window_.get());
+}
+
+ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
+                                 LV2UI_Controller controller, LV2UI_Widget* widget,
+                                 const LV2_Feature* const* features) {
+  std::unique_ptr<ZelVantryUI> ui(new ZelVantryUI());
+  ui->features_ = Features(features);
+  const Features& f = ui->features_;
+  if (!f.map || !f.parent || !write || !widget) {
+    ui->log("Vantry: the host offers no ui:parent or urid:map; the editor cannot open\n");
+    return nullptr;
+  }
+  const bool mono = pluginURI && !std::strcmp(pluginURI, kMonoURI);
+  const std::string resources = std::string(bundlePath ? bundlePath : ".") + "/resources";
+  ZelBundle::setResourcesDirectory(resources);
+
+  ui->loop_ = std::make_unique<ZelRunLoop>(ui->clock_);
+  ui->window_ = std::make_unique<ZelWindow>(*ui->loop_, ZelHostView::kInitialSize);
+  ZelX11WindowOptions options;
+  options.parent = reinterpret_cast<ZelX11Id>(f.parent);
+  options.backingScale = f.scaleFactor();
+  ui->host_ = ZelX11WindowHost::create(*ui->window_, options);
+  if (!ui->host_) {
+    ui->log("Vantry: cannot open the X display; the editor cannot open\n");
+    return nullptr;
+  }
+  ui->connection_ = std::make_unique<ZelLV2Connection>(write, controller, f.map, f.touch, mono ? 1 : 2);
+
+  auto view = std::make_unique<ZelHostView>(*ui->loop_, resources);
+  ZelVantryUI* self = ui.get();
+  view->setLogSink([self](std::string_view line) { self->log(line); });
+  ui->view_ = view.get();
+  ui->window_->setContentView(std::move(view));
+  ui->connection_->setObserver({
+      [self](const std::string&) { self->view_->unitPresetNameChanged(); },
+      [self](bool toggled) { self->applyRememberedTheme(toggled); },
+  });
+  ui->view_->setAU(ui->connection_.get());
+  ui->connection_->requestState();
+
+  const double scale = ui->host_->backingScale();
+  if (f.resize && f.resize->ui_resize)
+    f.resize->ui_resize(f.resize->handle, static_cast<int>(ZelHostView::kInitialSize.width * scale + 0.5),
+                        static_cast<int>(ZelHostView::kInitialSize.height * scale + 0.5));
+  ui->host_->show();
+  *widget = reinterpret_cast<LV2UI_Widget>(ui->host_->xWindow());
+  return ui.release();
+}
+
+ZelVantryUI::~ZelVantryUI() {
+  // The view goes first (it lets go of the connection), then the X window
+  // host (its cairo surfaces before its own X connection), then the window.
+  if (window_) window_->setContentView(std::make_unique<ZelView>());
+  host_.reset();
+  window_.reset();
+  connection_.reset();
+  loop_.reset();
+}
+
+// ---- The descriptor.
+
+LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginURI, const char* bundlePath,
+                         LV2UI_Write_Function write, LV2UI_Controller controller, LV2UI_Widget* widget,
+                         const LV2_Feature* const* features) {
+  try {
+    return ZelVantryUI::create(pluginURI, bundlePath, write, controller, widget, features);
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+void cleanup(LV2UI_Handle handle) { delete static_cast<ZelVantryUI*>(handle); }
+
+void portEvent(LV2UI_Handle handle, uint32_t port, uint32_t size, uint32_t format, const void* buffer) {
+  static_cast<ZelVantryUI*>(handle)->portEvent(port, size, format, buffer);
+}
+
+int idle(LV2UI_Handle handle) { return static_cast<ZelVantryUI*>(handle)->idle(); }
+
+const void* extensionData(const char* uri) {
+  static const LV2UI_Idle_Interface idleInterface = {idle};
+  if (uri && !std::strcmp(uri, LV2_UI__idleInterface)) return &idleInterface;
+  return nullptr;
+}
+
+const LV2UI_Descriptor kDescriptor = {kUIURI, instantiate, cleanup, portEvent, extensionData};
+
+}  // namespace
+
+ZEL_NAMESPACE_END
+
+extern "C" LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index) {
+  return index == 0 ? &zel::kDescriptor : nullptr;
+}
