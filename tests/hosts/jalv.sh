@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# Vantry inside jalv.gtk3 (JACK's dummy driver, Xvfb): the editor appears
+# embedded in the host's window, the editor and plug-in exchange their
+# private state through the host, a real pointer drag moves a slider and
+# the value reaches the host's copy (read back through Ctrl+C from the X
+# clipboard), and the host closes cleanly. Runs with a private HOME.
+#   jalv.sh BUNDLE_DIR OUT_DIR
+set -u
+bundle=$(realpath "$1")
+out=$(realpath -m "$2")
+for tool in Xvfb jackd jalv.gtk3 xdotool xclip xwd convert; do
+  command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
+done
+[ -f "$bundle/manifest.ttl" ] && [ -f "$bundle/vantry_ui.so" ] || { echo "FAIL: no bundle at $bundle"; exit 1; }
+
+work=$(mktemp -d)
+export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
+mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$out" "$work/lv2"
+cp -r "$bundle" "$work/lv2/vantry.lv2"
+export LV2_PATH=$work/lv2 JACK_DEFAULT_SERVER=vantry-test-$$ JACK_NO_AUDIO_RESERVATION=1
+
+display=:$((70 + $$ % 200))
+pids=()
+cleanup() {
+  for p in "${pids[@]}"; do kill "$p" 2>/dev/null; done
+  wait 2>/dev/null
+  rm -rf "$work"
+}
+trap cleanup EXIT
+failed=0
+fail() { echo "FAIL: $*"; failed=1; }
+
+Xvfb "$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+pids+=($!)
+export DISPLAY=$display
+for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+jackd --no-realtime -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
+pids+=($!)
+sleep 1.5
+
+stdbuf -oL jalv.gtk3 --no-menu --dump "https://www.zel-audio.example/plugins/vantry#stereo" >"$work/jalv.log" 2>&1 &
+jalv=$!
+pids+=($jalv)
+window=""
+for _ in $(seq 100); do
+  window=$(xdotool search --name '^Vantry' 2>/dev/null | head -1)
+  [ -n "$window" ] && break
+  sleep 0.1
+done
+[ -n "$window" ] || { cat "$work/jalv.log"; fail "jalv showed no Vantry window"; exit 1; }
+sleep 2
+
+# The editor is embedded at the window's origin: the Degrade slider's track
+# runs from y 317 (0 %) to y 61 (100 %) at x 175.
+xwd -root -silent | convert xwd:- -crop 480x380+0+0 "$out/jalv-before.png"
+xdotool mousemove 175 317 mousedown 1 sleep 0.1 mousemove 175 280 sleep 0.1 mousemove 175 230 sleep 0.1 \
+  mousemove 175 189 sleep 0.2 mouseup 1
+sleep 0.5
+xdotool key ctrl+c
+sleep 0.5
+copied=$(xclip -selection clipboard -o 2>/dev/null)
+xwd -root -silent | convert xwd:- -crop 480x380+0+0 "$out/jalv-editor.png"
+# Ctrl+C copies the editor's settings as a link; Degrade is "deg".
+degrade=$(grep -oE 'deg:[-0-9.]+' <<<"$copied" | head -1 | cut -d: -f2)
+awk -v d="${degrade:-x}" 'BEGIN { exit !(d + 0 == d && d >= 45 && d <= 55) }' ||
+  fail "Degrade after the drag: '$copied' (expected about 50)"
+
+# The picture is the editor's, not an empty window: many colours.
+colours=$(convert "$out/jalv-editor.png" -format %k info:)
+[ "$colours" -gt 50 ] || fail "the embedded editor looks empty ($colours colours)"
+
+# The editor asked the plug-in for its state and the plug-in answered.
+grep -q "UI => Plugin" "$work/jalv.log" || fail "no message from the editor reached the plug-in"
+grep -q "vantry#presetName" "$work/jalv.log" || fail "the plug-in did not tell the editor its preset name"
+
+kill -INT "$jalv"
+for _ in $(seq 50); do kill -0 "$jalv" 2>/dev/null || break; sleep 0.1; done
+kill -0 "$jalv" 2>/dev/null && fail "jalv did not close"
+grep -iE "segmentation|abort|X Error" "$work/jalv.log" && fail "errors in jalv's output"
+[ $failed -eq 0 ] && echo "jalv: editor embedded, Degrade dragged to $degrade, state exchanged; screenshots in $out"
+exit $failed
