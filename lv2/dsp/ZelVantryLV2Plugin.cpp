@@ -1,0 +1,423 @@
+// The LV2 plug-in: the audio unit behind a host's ports, for the stereo and
+// the mono plug-in of the bundle (lv2/common/ZelVantryURIs.h has the port
+// layout and the patch messages the editor and the plug-in exchange).
+//
+// Threading: run() is the audio thread's and is real-time safe (no
+// allocation, lock, wait or I/O); instantiate, activate, cleanup and the
+// state interface run on other threads, never at the same time as run().
+// Every atom that arrives is checked against its declared sizes and types
+// before it is read; anything malformed is dropped without a word.
+#include <lv2/atom/atom.h>
+#include <lv2/atom/forge.h>
+#include <lv2/core/lv2.h>
+#include <lv2/log/log.h>
+#include <lv2/log/logger.h>
+#include <lv2/patch/patch.h>
+#include <lv2/state/state.h>
+#include <lv2/urid/urid.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
+
+#include "dsp/ZelVantryUnit.h"
+#include "lv2/common/ZelVantryURIs.h"
+
+namespace {
+
+namespace ids = zel_vantry_lv2;
+using zel::kZelParameterCount;
+using zel::kZelParameters;
+using zel::ZelParameterKind;
+using zel::ZelVantryUnit;
+
+static_assert(kZelParameterCount == int(ids::kControlPortCount), "one control port per parameter");
+
+constexpr std::uint32_t kMaxChannels = 2;
+
+// The value of an on/off port as the unit wants it: LV2 calls anything
+// above zero "on".
+bool isToggle(int pid) {
+  const auto& p = kZelParameters[pid];
+  return p.kind == ZelParameterKind::Switch ||
+         (p.kind == ZelParameterKind::WholeNumber && p.minimum == 0 && p.maximum == 1);
+}
+
+struct URIDs {
+  LV2_URID atomBlank, atomObject, atomString, atomInt, atomBool, atomURID, atomSequence;
+  LV2_URID patchSet, patchGet, patchProperty, patchValue;
+  LV2_URID presetName, theme, themeToggle, channelsIn, channelsOut;
+
+  explicit URIDs(const LV2_URID_Map& m) {
+    const auto map = [&](const char* uri) { return m.map(m.handle, uri); };
+    atomBlank = map(LV2_ATOM__Blank);
+    atomObject = map(LV2_ATOM__Object);
+    atomString = map(LV2_ATOM__String);
+    atomInt = map(LV2_ATOM__Int);
+    atomBool = map(LV2_ATOM__Bool);
+    atomURID = map(LV2_ATOM__URID);
+    atomSequence = map(LV2_ATOM__Sequence);
+    patchSet = map(LV2_PATCH__Set);
+    patchGet = map(LV2_PATCH__Get);
+    patchProperty = map(LV2_PATCH__property);
+    patchValue = map(LV2_PATCH__value);
+    presetName = map(ids::kPresetName);
+    theme = map(ids::kTheme);
+    themeToggle = map(ids::kThemeToggle);
+    channelsIn = map(ids::kChannelsIn);
+    channelsOut = map(ids::kChannelsOut);
+  }
+};
+
+// What the notify port still owes the editor (bits of a mask).
+enum Owed : std::uint32_t {
+  kOwePresetName = 1u << 0,
+  kOweTheme = 1u << 1,
+  kOweChannelsIn = 1u << 2,
+  kOweChannelsOut = 1u << 3,
+  kOweEverything = kOwePresetName | kOweTheme | kOweChannelsIn | kOweChannelsOut,
+};
+
+constexpr std::uint32_t pad8(std::uint32_t n) { return (n + 7u) & ~7u; }
+
+// Whether `bytes` (the whole size, terminator included) hold a preset name we
+// keep: terminated exactly at the end, no earlier zero byte, at most
+// kMaxPresetNameBytes before the terminator, and well-formed UTF-8.
+bool isPresetName(const char* bytes, std::size_t size) {
+  if (size < 1 || size > ids::kMaxPresetNameBytes + 1 || bytes[size - 1] != '\0') return false;
+  const auto* s = reinterpret_cast<const unsigned char*>(bytes);
+  const std::size_t n = size - 1;
+  for (std::size_t i = 0; i < n;) {
+    const unsigned char c = s[i];
+    if (c == 0) return false;
+    std::size_t more;
+    std::uint32_t code;
+    if (c < 0x80) {
+      ++i;
+      continue;
+    } else if (c >= 0xC2 && c <= 0xDF) {
+      more = 1, code = c & 0x1F;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+      more = 2, code = c & 0x0F;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+      more = 3, code = c & 0x07;
+    } else {
+      return false;
+    }
+    if (n - i - 1 < more) return false;
+    for (std::size_t k = 1; k <= more; ++k) {
+      if ((s[i + k] & 0xC0) != 0x80) return false;
+      code = (code << 6) | (s[i + k] & 0x3F);
+    }
+    // Overlong forms, surrogates and code points past U+10FFFF.
+    if ((more == 2 && code < 0x800) || (more == 3 && code < 0x10000) || code > 0x10FFFF ||
+        (code >= 0xD800 && code <= 0xDFFF))
+      return false;
+    i += 1 + more;
+  }
+  return true;
+}
+
+// A patch message's parts, found in an object body without trusting a size.
+struct Patch {
+  LV2_URID kind = 0;                  // the object's type: patch:Set, patch:Get, ...
+  const LV2_Atom* property = nullptr;  // patch:property's value, when present
+  const LV2_Atom* value = nullptr;     // patch:value's value, when present
+};
+
+// Reads the object `atom` whose header and body lie within `available`
+// bytes. False when it is no object or anything in it overruns.
+bool readPatch(const URIDs& u, const LV2_Atom* atom, std::uint32_t available, Patch& patch) {
+  if (available < sizeof(LV2_Atom) || atom->size > available - sizeof(LV2_Atom)) return false;
+  if (atom->type != u.atomObject && atom->type != u.atomBlank) return false;
+  if (atom->size < sizeof(LV2_Atom_Object_Body)) return false;
+  const auto* object = reinterpret_cast<const LV2_Atom_Object*>(atom);
+  patch.kind = object->body.otype;
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(&object->body);
+  const std::uint32_t end = atom->size;
+  std::uint32_t at = sizeof(LV2_Atom_Object_Body);
+  while (at < end) {
+    constexpr std::uint32_t head = sizeof(LV2_Atom_Property_Body);
+    if (end - at < head) return false;
+    const auto* prop = reinterpret_cast<const LV2_Atom_Property_Body*>(bytes + at);
+    if (prop->value.size > end - at - head) return false;
+    const LV2_Atom** slot = prop->key == u.patchProperty ? &patch.property
+                            : prop->key == u.patchValue  ? &patch.value
+                                                         : nullptr;
+    if (slot) {
+      if (*slot) return false;  // said twice: which one would be meant?
+      *slot = &prop->value;
+    }
+    const std::uint64_t next = std::uint64_t(at) + head + pad8(prop->value.size);
+    if (next > end) break;  // the last property may go without its padding
+    at = std::uint32_t(next);
+  }
+  return true;
+}
+
+bool readURID(const URIDs& u, const LV2_Atom* atom, LV2_URID& out) {
+  if (!atom || atom->type != u.atomURID || atom->size != sizeof(LV2_URID)) return false;
+  out = reinterpret_cast<const LV2_Atom_URID*>(atom)->body;
+  return true;
+}
+
+class Plugin {
+ public:
+  Plugin(int channels, double rate, const LV2_URID_Map& map)
+      : unit_(channels, rate), uris_(map), channels_(std::uint32_t(channels)) {
+    LV2_URID_Map m = map;
+    lv2_atom_forge_init(&forge_, &m);
+    for (float& v : last_) v = NAN;
+  }
+
+  void connect(std::uint32_t port, void* data) {
+    if (port < ids::kControlPortCount) {
+      controls_[port] = static_cast<const float*>(data);
+    } else if (port == ids::kLatencyPort) {
+      latency_ = static_cast<float*>(data);
+    } else if (port == ids::kControlAtomPort) {
+      control_ = static_cast<const LV2_Atom_Sequence*>(data);
+    } else if (port == ids::kNotifyAtomPort) {
+      notify_ = static_cast<LV2_Atom_Sequence*>(data);
+    } else if (port >= ids::kFirstAudioPort && port < ids::kFirstAudioPort + channels_) {
+      in_[port - ids::kFirstAudioPort] = static_cast<const float*>(data);
+    } else if (port >= ids::kFirstAudioPort + channels_ && port < ids::kFirstAudioPort + 2 * channels_) {
+      out_[port - ids::kFirstAudioPort - channels_] = static_cast<float*>(data);
+    }
+  }
+
+  void activate() { unit_.reset(); }
+
+  void run(std::uint32_t frames) {
+    readMessages();
+    for (int pid = 0; pid < kZelParameterCount; ++pid) {
+      if (!controls_[pid]) continue;
+      float v = *controls_[pid];
+      if (std::isnan(v)) continue;
+      if (isToggle(pid)) v = v > 0 ? 1.0f : 0.0f;
+      if (v != last_[pid]) {
+        unit_.setParameter(pid, v);
+        last_[pid] = v;
+      }
+    }
+    bool connected = true;
+    for (std::uint32_t c = 0; c < channels_; ++c) connected = connected && in_[c] && out_[c];
+    if (connected && frames > 0) unit_.process(in_, out_, frames);
+    if (latency_) *latency_ = float(unit_.latency());
+    writeMessages();
+  }
+
+  LV2_State_Status save(LV2_State_Store_Function store, LV2_State_Handle handle) const {
+    constexpr std::uint32_t flags = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
+    LV2_State_Status status =
+        store(handle, uris_.presetName, presetName_, std::strlen(presetName_) + 1, uris_.atomString, flags);
+    if (status != LV2_STATE_SUCCESS) return status;
+    const std::int32_t theme = theme_;
+    return store(handle, uris_.theme, &theme, sizeof(theme), uris_.atomInt, flags);
+  }
+
+  LV2_State_Status restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle) {
+    std::size_t size = 0;
+    std::uint32_t type = 0, flags = 0;
+    const void* value = retrieve(handle, uris_.presetName, &size, &type, &flags);
+    if (value && type == uris_.atomString && isPresetName(static_cast<const char*>(value), size))
+      std::memcpy(presetName_, value, size);
+    size = 0, type = 0;
+    value = retrieve(handle, uris_.theme, &size, &type, &flags);
+    if (value && type == uris_.atomInt && size == sizeof(std::int32_t)) {
+      std::int32_t theme;
+      std::memcpy(&theme, value, sizeof(theme));
+      if (theme == 0 || theme == 1) theme_ = theme;
+    }
+    // The editor learns what the state holds now on the next run.
+    owed_.fetch_or(kOwePresetName | kOweTheme, std::memory_order_release);
+    return LV2_STATE_SUCCESS;
+  }
+
+ private:
+  void readMessages() {
+    const LV2_Atom_Sequence* seq = control_;
+    if (!seq || seq->atom.type != uris_.atomSequence || seq->atom.size < sizeof(LV2_Atom_Sequence_Body)) return;
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&seq->body);
+    const std::uint32_t end = seq->atom.size;
+    std::uint32_t at = sizeof(LV2_Atom_Sequence_Body);
+    while (end - at >= sizeof(LV2_Atom_Event)) {
+      const auto* event = reinterpret_cast<const LV2_Atom_Event*>(bytes + at);
+      const std::uint32_t room = end - at - std::uint32_t(sizeof(event->time));
+      if (event->body.size > room - sizeof(LV2_Atom)) return;  // the rest cannot be found
+      Patch patch;
+      if (readPatch(uris_, &event->body, room, patch)) apply(patch);
+      const std::uint64_t next = std::uint64_t(at) + sizeof(LV2_Atom_Event) + pad8(event->body.size);
+      if (next >= end) return;
+      at = std::uint32_t(next);
+    }
+  }
+
+  void apply(const Patch& patch) {
+    if (patch.kind == uris_.patchGet) {
+      if (!patch.property) {
+        owed_.fetch_or(kOweEverything, std::memory_order_relaxed);
+        return;
+      }
+      LV2_URID key;
+      if (!readURID(uris_, patch.property, key)) return;
+      const Owed owe = key == uris_.presetName    ? kOwePresetName
+                       : key == uris_.theme       ? kOweTheme
+                       : key == uris_.channelsIn  ? kOweChannelsIn
+                       : key == uris_.channelsOut ? kOweChannelsOut
+                                                  : Owed(0);
+      owed_.fetch_or(owe, std::memory_order_relaxed);
+    } else if (patch.kind == uris_.patchSet) {
+      LV2_URID key;
+      const LV2_Atom* v = patch.value;
+      if (!readURID(uris_, patch.property, key) || !v) return;
+      if (key == uris_.presetName && v->type == uris_.atomString) {
+        const char* text = reinterpret_cast<const char*>(LV2_ATOM_BODY_CONST(v));
+        if (isPresetName(text, v->size)) std::memcpy(presetName_, text, v->size);
+      } else if (key == uris_.themeToggle && v->type == uris_.atomBool && v->size == sizeof(std::int32_t)) {
+        if (reinterpret_cast<const LV2_Atom_Bool*>(v)->body != 0) theme_ ^= 1;
+      }
+    }
+  }
+
+  // Bytes one patch:Set event takes in the notify sequence, its value's body
+  // being `body` bytes: the event's time and the object's header, the
+  // property key with its URID, the value key with the value's header.
+  static constexpr std::uint32_t setEventBytes(std::uint32_t body) {
+    return std::uint32_t(sizeof(std::int64_t) + sizeof(LV2_Atom_Object) + 2 * sizeof(std::uint32_t) +
+                         pad8(sizeof(LV2_Atom_URID)) + 2 * sizeof(std::uint32_t) + sizeof(LV2_Atom)) +
+           pad8(body);
+  }
+
+  bool room(std::uint32_t bytes) const { return forge_.size - forge_.offset >= bytes; }
+
+  bool beginSet(LV2_URID key, LV2_Atom_Forge_Frame& frame) {
+    return lv2_atom_forge_frame_time(&forge_, 0) && lv2_atom_forge_object(&forge_, &frame, 0, uris_.patchSet) &&
+           lv2_atom_forge_key(&forge_, uris_.patchProperty) && lv2_atom_forge_urid(&forge_, key) &&
+           lv2_atom_forge_key(&forge_, uris_.patchValue);
+  }
+
+  bool sendInt(LV2_URID key, std::int32_t value) {
+    if (!room(setEventBytes(sizeof(std::int32_t)))) return false;
+    LV2_Atom_Forge_Frame frame;
+    if (!beginSet(key, frame) || !lv2_atom_forge_int(&forge_, value)) return false;
+    lv2_atom_forge_pop(&forge_, &frame);
+    return true;
+  }
+
+  bool sendPresetName() {
+    const std::uint32_t length = std::uint32_t(std::strlen(presetName_));
+    if (!room(setEventBytes(length + 1))) return false;
+    LV2_Atom_Forge_Frame frame;
+    if (!beginSet(uris_.presetName, frame) || !lv2_atom_forge_string(&forge_, presetName_, length)) return false;
+    lv2_atom_forge_pop(&forge_, &frame);
+    return true;
+  }
+
+  // Writes the notify sequence: as many owed messages as fit whole, the
+  // rest on a later run.
+  void writeMessages() {
+    LV2_Atom_Sequence* seq = notify_;
+    if (!seq) return;
+    const std::uint32_t capacity = seq->atom.size;
+    if (capacity < sizeof(LV2_Atom_Sequence)) return;  // not even an empty sequence fits
+    lv2_atom_forge_set_buffer(&forge_, reinterpret_cast<std::uint8_t*>(seq), capacity);
+    LV2_Atom_Forge_Frame sequence;
+    if (!lv2_atom_forge_sequence_head(&forge_, &sequence, 0)) return;
+    std::uint32_t owed = owed_.exchange(0, std::memory_order_acquire);
+    const struct {
+      std::uint32_t bit;
+      LV2_URID key;
+      std::int32_t value;
+    } ints[] = {{kOweTheme, uris_.theme, theme_},
+                {kOweChannelsIn, uris_.channelsIn, std::int32_t(channels_)},
+                {kOweChannelsOut, uris_.channelsOut, std::int32_t(channels_)}};
+    if ((owed & kOwePresetName) && sendPresetName()) owed &= ~std::uint32_t(kOwePresetName);
+    for (const auto& m : ints)
+      if ((owed & m.bit) && sendInt(m.key, m.value)) owed &= ~m.bit;
+    if (owed) owed_.fetch_or(owed, std::memory_order_relaxed);
+    lv2_atom_forge_pop(&forge_, &sequence);
+  }
+
+  ZelVantryUnit unit_;
+  URIDs uris_;
+  LV2_Atom_Forge forge_{};
+  std::uint32_t channels_;
+
+  const float* controls_[ids::kControlPortCount] = {};
+  float last_[ids::kControlPortCount];
+  float* latency_ = nullptr;
+  const LV2_Atom_Sequence* control_ = nullptr;
+  LV2_Atom_Sequence* notify_ = nullptr;
+  const float* in_[kMaxChannels] = {};
+  float* out_[kMaxChannels] = {};
+
+  char presetName_[ids::kMaxPresetNameBytes + 1] = {};
+  std::int32_t theme_ = 0;
+  std::atomic<std::uint32_t> owed_{0};
+};
+
+template <int Channels>
+LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const* features) {
+  const LV2_URID_Map* map = nullptr;
+  LV2_Log_Log* log = nullptr;
+  for (const LV2_Feature* const* f = features; f && *f; ++f) {
+    if (!(*f)->URI) continue;
+    if (std::strcmp((*f)->URI, LV2_URID__map) == 0) map = static_cast<const LV2_URID_Map*>((*f)->data);
+    if (std::strcmp((*f)->URI, LV2_LOG__log) == 0) log = static_cast<LV2_Log_Log*>((*f)->data);
+  }
+  LV2_Log_Logger logger;
+  lv2_log_logger_init(&logger, const_cast<LV2_URID_Map*>(map && map->map ? map : nullptr), log);
+  if (!map || !map->map) {
+    lv2_log_error(&logger, "Vantry: the host does not offer urid:map\n");
+    return nullptr;
+  }
+  if (!(rate >= ZelVantryUnit::kMinSampleRate && rate <= ZelVantryUnit::kMaxSampleRate)) {
+    lv2_log_error(&logger, "Vantry: sample rate %g Hz is outside 8000 to 384000 Hz\n", rate);
+    return nullptr;
+  }
+  try {
+    return new Plugin(Channels, rate, *map);
+  } catch (const std::exception& e) {
+    lv2_log_error(&logger, "Vantry: cannot start: %s\n", e.what());
+    return nullptr;
+  }
+}
+
+Plugin* self(LV2_Handle h) { return static_cast<Plugin*>(h); }
+
+void connectPort(LV2_Handle h, std::uint32_t port, void* data) { self(h)->connect(port, data); }
+void activate(LV2_Handle h) { self(h)->activate(); }
+void run(LV2_Handle h, std::uint32_t frames) { self(h)->run(frames); }
+void cleanup(LV2_Handle h) { delete self(h); }
+
+LV2_State_Status save(LV2_Handle h, LV2_State_Store_Function store, LV2_State_Handle handle, std::uint32_t,
+                      const LV2_Feature* const*) {
+  return store ? self(h)->save(store, handle) : LV2_STATE_ERR_UNKNOWN;
+}
+
+LV2_State_Status restore(LV2_Handle h, LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
+                         std::uint32_t, const LV2_Feature* const*) {
+  return retrieve ? self(h)->restore(retrieve, handle) : LV2_STATE_ERR_UNKNOWN;
+}
+
+const void* extensionData(const char* uri) {
+  static const LV2_State_Interface state = {save, restore};
+  return uri && std::strcmp(uri, LV2_STATE__interface) == 0 ? &state : nullptr;
+}
+
+const LV2_Descriptor kDescriptors[] = {
+    {ids::kStereoURI, instantiate<2>, connectPort, activate, run, nullptr, cleanup, extensionData},
+    {ids::kMonoURI, instantiate<1>, connectPort, activate, run, nullptr, cleanup, extensionData},
+};
+
+}  // namespace
+
+extern "C" LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(std::uint32_t index) {
+  return index < sizeof(kDescriptors) / sizeof(kDescriptors[0]) ? &kDescriptors[index] : nullptr;
+}
