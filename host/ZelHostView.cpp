@@ -94,6 +94,11 @@ ZelHostView::ZelHostView(ZelRunLoop& runLoop, std::string resourcesDirectory)
   outgoing_.fill(kNothingOutstanding);
 }
 
+ZelHostView::ZelHostView(ZelRunLoop& runLoop, std::unique_ptr<ZelConfig> config) : ZelHostView(runLoop) {
+  config_ = std::move(config);
+  readsBundleConfig_ = !config_;
+}
+
 ZelHostView::~ZelHostView() {
   runLoop_.cancelAllForTarget(this);
   if (observedWindow_) observedWindow_->setKeyWindowChangedHandler({});
@@ -127,8 +132,9 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
   setWantsLayer(true);
   addListeners();
 
-  config_ = ZelConfig::configNamed("config",
-                                   resourcesDirectory_.empty() ? ZelBundle::resourcesDirectory() : resourcesDirectory_);
+  if (readsBundleConfig_)
+    config_ = ZelConfig::configNamed("config",
+                                     resourcesDirectory_.empty() ? ZelBundle::resourcesDirectory() : resourcesDirectory_);
   auto editor = std::make_unique<ZelGenericUI>(bounds(), config_.get(), &runLoop_);
   editor->setDelegate(this);
   runLoop_.schedule(kSketchDelay, [this] { addSketch(); }, ZelCallKey{this, kAddSketch});
@@ -156,9 +162,8 @@ void ZelHostView::removeEditor() {
   ui_->setDelegate(nullptr);
   ZelGenericUI* editor = ui_;
   ui_ = nullptr;
-  // The editor goes before the description it reads.
+  // The editor goes now, while the description it reads still exists.
   editor->removeFromSuperview().reset();
-  config_.reset();
 }
 
 void ZelHostView::addSketch() {

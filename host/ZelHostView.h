@@ -67,6 +67,9 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   // description is read as "config" from `resourcesDirectory` (the bundle's
   // resources folder); empty: the process's bundle (ZelBundle).
   explicit ZelHostView(ZelRunLoop& runLoop, std::string resourcesDirectory = {});
+  // A view that shows `config` (not null) instead of reading the bundle's:
+  // the standalone app's description file, a designer's reload.
+  ZelHostView(ZelRunLoop& runLoop, std::unique_ptr<ZelConfig> config);
   // Cancels the view's delayed calls, stops observing the window, removes
   // the listener and the editor.
   ~ZelHostView() override;
@@ -132,6 +135,7 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   ZelUnitConnection* unit_ = nullptr;
   bool listening_ = false;
   std::unique_ptr<ZelConfig> config_;
+  bool readsBundleConfig_ = true;
   ZelGenericUI* ui_ = nullptr;  // owned by the view tree
   ZelWindow* observedWindow_ = nullptr;
   std::string lastPreset_;

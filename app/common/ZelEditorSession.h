@@ -8,7 +8,10 @@
 // later. reload() replaces the description and rebuilds the editor while
 // the unit keeps its values (by code name), preset name and theme flag.
 //
-// Shared by the standalone app and the scripted driver.
+// The scripted driver's session: it talks to the editor directly, in the
+// editor's own units, so that its scripts see exactly what the editor says.
+// The standalone app and the plug-in put the host view (host/ZelHostView.h)
+// in between instead.
 //
 // Ownership: the session owns the description and the unit; the window
 // owns the editor (its content view). The window, its run loop and the

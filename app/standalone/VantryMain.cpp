@@ -1,5 +1,5 @@
-// vantry: the editor in a window of its own, with an in-process stand-in
-// for the unit behind the same delegate interface a host bridge uses.
+// vantry: the editor in a window of its own, behind the same host view the
+// plug-in uses, connected to the unit in this process.
 //
 //   vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT]
 //          [--render FILE.png | --watch]
@@ -18,10 +18,11 @@
 #include <string>
 
 #include "app/common/ZelDescriptionFile.h"
-#include "app/common/ZelEditorSession.h"
 #include "app/common/ZelEditorStill.h"
 #include "app/common/ZelNumberWords.h"
 #include "app/process/ZelProcessCommand.h"
+#include "app/standalone/ZelStandaloneUnit.h"
+#include "host/ZelHostView.h"
 #include "model/ZelConfig.h"
 #ifdef ZEL_VANTRY_HAVE_X11
 #include "toolkit/x11/ZelX11EventWait.h"
@@ -92,16 +93,27 @@ int renderStill(const Options& o, std::unique_ptr<ZelConfig> config) {
 }
 
 #ifdef ZEL_VANTRY_HAVE_X11
-// Reloads the description into the session; a file that cannot be read
-// now leaves the editor as it is.
-void reload(ZelEditorSession& session, const std::string& path) {
+// A new host view on `config` in the window, connected to the unit.
+void showEditor(ZelWindow& window, ZelStandaloneUnit& unit, std::unique_ptr<ZelConfig> config) {
+  window.setContentSize(ZelHostView::kInitialSize);
+  auto view = std::make_unique<ZelHostView>(window.runLoop(), std::move(config));
+  ZelHostView* shown = view.get();
+  // The old view (and its editor) goes before the new one connects.
+  window.setContentView(std::move(view));
+  shown->setAU(&unit);
+}
+
+// Reloads the description into a new editor; the unit keeps its values,
+// preset name and theme. A file that cannot be read now leaves the editor
+// as it is.
+void reload(ZelWindow& window, ZelStandaloneUnit& unit, const std::string& path) {
   std::string error;
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(path, error);
   if (!config) {
     std::fprintf(stderr, "vantry: %s: %s (keeping the editor as it is)\n", path.c_str(), error.c_str());
     return;
   }
-  session.reload(std::move(config));
+  showEditor(window, unit, std::move(config));
   std::fprintf(stderr, "vantry: reloaded %s\n", path.c_str());
 }
 
@@ -109,7 +121,7 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
   ZelMonotonicClock clock;
   ZelRunLoop loop(clock);
   ZelRunLoop::setCurrent(&loop);
-  ZelWindow window(loop, ZelEditorSession::editorSizeFor(*config));
+  ZelWindow window(loop, ZelHostView::kInitialSize);
   ZelX11WindowOptions options;
   options.backingScale = o.scale;
   options.title = config->metadata().pluginName.empty() ? "Vantry" : config->metadata().pluginName;
@@ -121,17 +133,18 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
   }
   ZelX11WakePipe wake(loop);
   {
-    ZelEditorSession session(window, std::move(config));
-    session.unit().setChannels(o.channelsIn, o.channelsOut);
-    session.unit().setThemeFlag(o.dark);
-    session.open();
+    ZelStandaloneUnit unit(loop, o.channelsIn, o.channelsOut);
+    unit.setThemeFlag(o.dark);
+    showEditor(window, unit, std::move(config));
     std::unique_ptr<ZelDescriptionWatcher> watcher;
     if (o.watch) {
-      watcher = std::make_unique<ZelDescriptionWatcher>(loop, o.config, [&] { reload(session, o.config); });
+      watcher = std::make_unique<ZelDescriptionWatcher>(loop, o.config, [&] { reload(window, unit, o.config); });
       watcher->start();
     }
     host->show();
     while (host->pump()) ZelX11WaitForEvents(*host, &wake);
+    // The editor goes before the unit it is connected to.
+    window.setContentView(std::make_unique<ZelView>());
   }
   host.reset();
   ZelRunLoop::setCurrent(nullptr);

@@ -1,0 +1,121 @@
+#include "app/standalone/ZelStandaloneUnit.h"
+
+#include <cmath>
+
+#include "host/ZelHostView.h"
+
+ZEL_NAMESPACE_BEGIN
+
+namespace {
+
+constexpr std::string_view kTell = "tell";
+
+}  // namespace
+
+ZelStandaloneUnit::ZelStandaloneUnit(ZelRunLoop& runLoop, std::uint32_t channelsIn, std::uint32_t channelsOut,
+                                     double sampleRate)
+    : runLoop_(runLoop),
+      unit_(std::make_unique<ZelVantryUnit>(channelsOut == 1 ? 1 : 2, sampleRate)),
+      channelsIn_(channelsIn),
+      channelsOut_(channelsOut) {
+  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
+    values_[pid] = ZelHostView::unitValueFromEditor(pid, kZelParameters[pid].initial);
+}
+
+ZelStandaloneUnit::~ZelStandaloneUnit() { runLoop_.cancelAllForTarget(this); }
+
+void ZelStandaloneUnit::tellLater(const void* sender, std::uint32_t pid) {
+  const float value = values_[pid];
+  runLoop_.schedule(
+      0,
+      [this, sender, pid, value] {
+        // Listeners may come and go while they are told.
+        const auto listeners = listeners_;
+        for (const auto& [listener, pids] : listeners)
+          if (pids.count(pid) && listeners_.count(listener)) listener->parameterListener(sender, pid, value);
+      },
+      ZelCallKey{this, kTell});
+}
+
+ZelUnitStatus ZelStandaloneUnit::getParameter(std::uint32_t pid, float& value) {
+  if (pid >= kParameterCount) return kZelUnitInvalidParameter;
+  value = values_[pid];
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::setParameter(std::uint32_t pid, float value, const void* sender) {
+  if (pid >= kParameterCount || std::isnan(value)) return kZelUnitInvalidParameter;
+  values_[pid] = value;
+  unit_->setParameter(static_cast<int>(pid), ZelHostView::editorValueFromUnit(pid, value));
+  tellLater(sender, pid);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::notifyListeners(std::uint32_t pid, const void* sender) {
+  if (pid >= kParameterCount) return kZelUnitInvalidParameter;
+  tellLater(sender, pid);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::postGesture(ZelUnitGesture, std::uint32_t pid, const void*) {
+  // No automation to record in the standalone app.
+  return pid < kParameterCount ? kZelUnitNoErr : kZelUnitInvalidParameter;
+}
+
+ZelUnitStatus ZelStandaloneUnit::createListener(ZelUnitParameterListener* listener) {
+  if (!listener) return kZelUnitInvalidParameter;
+  listeners_.emplace(listener, std::set<std::uint32_t>{});
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
+  auto it = listeners_.find(listener);
+  if (it == listeners_.end()) return kZelUnitInvalidParameter;
+  it->second.insert(pid);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
+  auto it = listeners_.find(listener);
+  if (it == listeners_.end()) return kZelUnitInvalidParameter;
+  it->second.erase(pid);
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::disposeListener(ZelUnitParameterListener* listener) {
+  return listeners_.erase(listener) ? kZelUnitNoErr : kZelUnitInvalidParameter;
+}
+
+ZelUnitStatus ZelStandaloneUnit::setInterfacePreference(bool flag) {
+  // A toggle event: the flag says that the theme changed, not to what.
+  if (flag) themeFlag_ = !themeFlag_;
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::getPresetName(std::string& name) {
+  name = presetName_;
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::setPresetName(const std::string& name) {
+  presetName_ = name;
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::getChannelCount(ZelUnitProperty which, std::uint32_t& count) {
+  if (which == ZelUnitProperty::ChannelsIn) {
+    count = channelsIn_;
+  } else if (which == ZelUnitProperty::ChannelsOut) {
+    count = channelsOut_;
+  } else {
+    return kZelUnitInvalidProperty;
+  }
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::getMetering(ZelUnitMetering& metering) {
+  metering = {};
+  return kZelUnitInvalidProperty;
+}
+
+ZEL_NAMESPACE_END
