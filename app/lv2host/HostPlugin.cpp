@@ -11,6 +11,7 @@
 #include <lv2/resize-port/resize-port.h>
 #include <lv2/state/state.h>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -375,6 +376,10 @@ std::string PluginSlot::openUi(const std::string& uri, UiOpenReport& report, int
   for (auto& f : uiFeatureStore_) uiFeatures_.push_back(&f);
   uiFeatures_.push_back(nullptr);
 
+  // The UI's binary stays loaded for the life of the process, as in most
+  // hosts: libraries it pulls in (GLib types registered by pango, say) do not
+  // survive being unloaded and loaded again.
+  if (!dlopen(binary, RTLD_NOW | RTLD_NODELETE)) std::fprintf(stderr, "warning: %s\n", dlerror());
   const auto start = Clock::now();
   ui_ = suil_instance_new(world_.suil(), this, LV2_UI__X11UI, pluginUri_.c_str(), uiUri_.c_str(), typeUri.c_str(),
                           bundle, binary, uiFeatures_.data());
@@ -539,7 +544,7 @@ int PluginSlot::apply(const LilvState* state) {
   return portValuesSet_;
 }
 
-std::string PluginSlot::restoreIntoNewInstance(const LilvState* state, int paintTimeoutMs) {
+std::string PluginSlot::restoreIntoNewInstance(const LilvState* state, UiOpenReport& report, int paintTimeoutMs) {
   const bool hadUi = ui_ != nullptr;
   const std::string ui = uiUri_;
   closeUi();
@@ -559,7 +564,6 @@ std::string PluginSlot::restoreIntoNewInstance(const LilvState* state, int paint
   lilv_state_restore(state, instance_, setPortValue, this, 0, pluginFeatures_.data());
   lilv_instance_activate(instance_);
   if (!hadUi) return {};
-  UiOpenReport report;
   return openUi(ui, report, paintTimeoutMs);
 }
 

@@ -165,7 +165,7 @@ public:
   // State: a snapshot in memory, and restoring one into a fresh instance
   // (the UI is re-created if it was open). Empty on success.
   LilvState* snapshot();
-  std::string restoreIntoNewInstance(const LilvState* state, int paintTimeoutMs);
+  std::string restoreIntoNewInstance(const LilvState* state, UiOpenReport& report, int paintTimeoutMs);
   // Applies a state (a preset) to the running instance; returns the number
   // of port values it set.
   int apply(const LilvState* state);

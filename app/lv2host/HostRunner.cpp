@@ -102,6 +102,10 @@ void HostRunner::openUi(PluginSlot& s, const std::string& uri) {
   UiOpenReport r;
   const std::string error = s.openUi(uri, r, kPaintTimeoutMs);
   if (!error.empty()) stop(1, error);
+  printUiReport(s, r);
+}
+
+void HostRunner::printUiReport(const PluginSlot& s, const UiOpenReport& r) {
   std::printf("ui %s: instantiated in %.1f ms, ", s.uiUri().c_str(), r.instantiateMs);
   if (r.firstPaintMs >= 0) {
     std::printf("first paint after %.1f ms", r.firstPaintMs);
@@ -306,6 +310,26 @@ void HostRunner::execute(const Command& c) {
     slot().writes().clear();
     slot().touches().clear();
     for (Port& p : slot().ports()) p.atomsPassed = 0;
+  } else if (n == "print-writes") {
+    PluginSlot& s = slot();
+    // Writes and touches in the order they happened.
+    size_t t = 0;
+    auto symbol = [&](uint32_t i) { return i < s.ports().size() ? s.ports()[i].symbol : "port " + std::to_string(i); };
+    auto touchesUpTo = [&](uint64_t sequence) {
+      for (; t < s.touches().size() && s.touches()[t].sequence < sequence; ++t)
+        std::printf("touch %s %s\n", symbol(s.touches()[t].port).c_str(), s.touches()[t].grabbed ? "begin" : "end");
+    };
+    for (const UiWrite& w : s.writes()) {
+      touchesUpTo(w.sequence);
+      std::printf("write %s %s%s\n", symbol(w.port).c_str(), w.protocol == 0 ? show(w.value).c_str() : w.atomType.c_str(),
+                  w.valid ? "" : " (does not fit the port)");
+    }
+    touchesUpTo(UINT64_MAX);
+  } else if (n == "print-ports") {
+    for (const Port& p : slot().ports())
+      if (p.kind == PortKind::Control)
+        std::printf("port %u %s %s = %s [%s %s]\n", p.index, p.symbol.c_str(), p.input ? "in" : "out",
+                    show(p.value).c_str(), show(p.minimum).c_str(), show(p.maximum).c_str());
   } else if (n == "expect-log" || n == "expect-no-log") {
     bool found = false;
     for (const LogLine& l : world_.log())
@@ -399,8 +423,10 @@ void HostRunner::execute(const Command& c) {
     if (it == states_.end()) stop(2, "no saved state '" + a[0] + "'");
     PluginSlot& s = slot();
     if (s.uiOpen()) x11();
-    const std::string error = s.restoreIntoNewInstance(it->second, kPaintTimeoutMs);
+    UiOpenReport report;
+    const std::string error = s.restoreIntoNewInstance(it->second, report, kPaintTimeoutMs);
     if (!error.empty()) stop(1, error);
+    if (s.uiOpen()) printUiReport(s, report);
     const int values = checkStateValues(c, it->second, s);
     std::printf("restore-state %s: %d port values into a new instance%s\n", a[0].c_str(), values,
                 s.uiOpen() ? ", UI re-created" : "");

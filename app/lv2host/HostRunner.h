@@ -42,6 +42,7 @@ private:
   PluginSlot& slotWithUi();
   Port& controlPort(const std::string& symbol, bool inputOnly);
   void openUi(PluginSlot& s, const std::string& uri);
+  void printUiReport(const PluginSlot& s, const UiOpenReport& r);
   // Idles every open UI once and reads the host's X events.
   void pumpOnce();
   // `count` pump rounds about 16 ms apart.

@@ -35,6 +35,8 @@ constexpr Syntax kCommands[] = {
     {"expect-atoms", "wi", "expect-atoms SYMBOL MIN"},
     {"expect-touch", "w", "expect-touch SYMBOL"},
     {"clear-writes", "", "clear-writes"},
+    {"print-writes", "", "print-writes"},
+    {"print-ports", "", "print-ports"},
     {"expect-log", "t", "expect-log TEXT"},
     {"expect-no-log", "t", "expect-no-log TEXT"},
     {"clear-log", "", "clear-log"},
