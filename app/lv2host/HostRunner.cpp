@@ -217,6 +217,11 @@ void HostRunner::execute(const Command& c) {
     const size_t i = static_cast<size_t>(count(a[0]));
     if (i >= slots_.size()) stop(2, "there are only " + std::to_string(slots_.size()) + " instances");
     current_ = i;
+    // Its window comes to the front, so pointer events reach its UI.
+    if (slots_[i]->uiOpen()) {
+      XRaiseWindow(x11().display(), slots_[i]->hostWindow());
+      x11().sync();
+    }
   } else if (n == "idle") {
     pump(count(a[0]));
   } else if (n == "wait") {
