@@ -10,36 +10,19 @@ set -u
 host=$(realpath "$1")
 here=$(cd "$(dirname "$0")" && pwd)/lv2host
 work=$(mktemp -d)
-xvfb_pid=
-xclip_pid=
-cleanup() {
-  [ -n "$xclip_pid" ] && kill "$xclip_pid" 2>/dev/null
-  [ -n "$xvfb_pid" ] && kill "$xvfb_pid" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
 failed=0
 fail() { echo "FAIL: $*"; failed=1; }
 
-for tool in Xvfb xclip; do
-  command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
-done
+command -v xclip >/dev/null || { echo "SKIP: xclip is not installed"; exit 77; }
 found=
 lv2_path=${LV2_PATH:-}
 for dir in ${lv2_path//:/ } "$HOME/.lv2" /usr/local/lib/lv2 /usr/lib/lv2; do
   [ -f "$dir/fil4.lv2/manifest.ttl" ] && [ -f "$dir/fat1.lv2/manifest.ttl" ] && found=$dir
 done
-[ -n "$found" ] || { echo "SKIP: x42-plugins (fil4.lv2, fat1.lv2) are not installed"; exit 77; }
-
-# A server of our own on the first free display.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
-xvfb_pid=$!
-for _ in $(seq 100); do
-  [ -s "$work/display" ] && break
-  sleep 0.1
-done
-[ -s "$work/display" ] || { echo "SKIP: Xvfb did not start: $(cat "$work/xvfb.log")"; exit 77; }
-export DISPLAY=:$(head -n1 "$work/display")
+[ -n "$found" ] || { echo "SKIP: x42-plugins (fil4.lv2, fat1.lv2) are not installed"; rm -rf "$work"; exit 77; }
+. "$here/xvfb.sh"
+xclip_pid=
+trap '[ -n "$xclip_pid" ] && kill "$xclip_pid" 2>/dev/null; xvfb_cleanup' EXIT
 
 # run WANT NAME [OPTIONS...] < SCRIPT: runs the host in $work, output in $work/NAME.out.
 run() {
