@@ -106,6 +106,9 @@ void HostX11::drain() {
   while (XPending(display_)) {
     XEvent e;
     XNextEvent(display_, &e);
+    // The answer to our own clipboard request may arrive while the UIs are
+    // pumped: keep it for readClipboard.
+    if (e.type == SelectionNotify && requestor_ && e.xselection.requestor == requestor_) selectionNotify_ = e;
   }
 }
 
@@ -235,12 +238,19 @@ std::optional<std::string> HostX11::readClipboard(const std::function<void()>& p
   const Atom property = XInternAtom(display_, "ZEL_LV2HOST_CLIPBOARD", False);
   if (XGetSelectionOwner(display_, clipboard) == None) return std::string();
   XDeleteProperty(display_, requestor, property);
+  selectionNotify_.reset();
   XConvertSelection(display_, clipboard, utf8, property, requestor, CurrentTime);
   XFlush(display_);
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
   while (std::chrono::steady_clock::now() < deadline) {
     XEvent e;
-    if (XCheckTypedWindowEvent(display_, requestor, SelectionNotify, &e)) {
+    bool answered = XCheckTypedWindowEvent(display_, requestor, SelectionNotify, &e);
+    if (!answered && selectionNotify_) {
+      e = *selectionNotify_;
+      selectionNotify_.reset();
+      answered = true;
+    }
+    if (answered) {
       if (e.xselection.property == None) return std::string();
       Atom type;
       int format;

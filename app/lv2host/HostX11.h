@@ -72,6 +72,7 @@ private:
   void tapKeycode(unsigned keycode, bool press);
   Display* display_ = nullptr;
   Window requestor_ = 0;  // receives the selection
+  std::optional<XEvent> selectionNotify_;  // kept by drain() for readClipboard()
 };
 
 }  // namespace zel::lv2host

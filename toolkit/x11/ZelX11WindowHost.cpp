@@ -223,6 +223,13 @@ void ZelX11WindowHost::hide() {
 // the focus from the host's own widgets into our window, as any plug-in
 // editor does. An unviewable window makes this fail harmlessly (the error
 // trap takes the BadMatch).
+bool ZelX11WindowHost::holdsInputFocus() const {
+  Window focus = 0;
+  int revert = 0;
+  XGetInputFocus(display(), &focus, &revert);
+  return focus == xWindow_;
+}
+
 void ZelX11WindowHost::requestKeyFocus() {
   XSetInputFocus(display(), xWindow_, RevertToParent, CurrentTime);
   XFlush(display());
@@ -368,6 +375,10 @@ void ZelX11WindowHost::handleButton(const XEvent& event) {
   pointer_ = pointFromPixels(b.x, b.y);
   ZelEventModifierFlags flags = ZelX11ModifierFlags(b.state);
   bool press = event.type == ButtonPress;
+  // Inside a host the host's top-level keeps the keyboard even while we
+  // count as key: a click on the editor takes the input focus, so that
+  // typed values, Tab and the shortcuts reach it.
+  if (press && parent_ && (b.button == Button1 || b.button == Button3) && !holdsInputFocus()) requestKeyFocus();
   switch (b.button) {
     case Button1:
     case Button3: {

@@ -118,6 +118,8 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   void handleFocus(const _XEvent& event);
   void handleKey(_XEvent& event);
   void handleButton(const _XEvent& event);
+  // Whether the X input focus is on our window (one round trip).
+  bool holdsInputFocus() const;
   void handleMotion(_XEvent& event);
   void handleClientMessage(const _XEvent& event);
   int clickCountFor(const _XEvent& event);
