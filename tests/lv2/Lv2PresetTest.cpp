@@ -64,8 +64,11 @@ TEST_F(Lv2Presets, EveryFactoryPresetLoadsAndRestoresPortsAndName) {
       // Every preset sits in at least one labelled bank.
       LilvNodes* banks = lilv_world_find_nodes(world_, preset, bankProperty, nullptr);
       EXPECT_GT(lilv_nodes_size(banks), 0u) << where;
-      LILV_FOREACH (nodes, b, banks)
-        EXPECT_TRUE(lilv_world_get(world_, lilv_nodes_get(banks, b), label, nullptr)) << where;
+      LILV_FOREACH (nodes, b, banks) {
+        LilvNode* bankLabel = lilv_world_get(world_, lilv_nodes_get(banks, b), label, nullptr);
+        EXPECT_TRUE(bankLabel && lilv_node_is_string(bankLabel)) << where;
+        lilv_node_free(bankLabel);
+      }
       lilv_nodes_free(banks);
 
       PortValues ports{{}, p.urid(LV2_ATOM__Float)};
