@@ -204,6 +204,23 @@ TEST(X11Window, DrawsOncePerPumpHoweverOftenItIsInvalidated) {
   EXPECT_EQ(f.host->redrawCount(), redraws + 1);
 }
 
+TEST(X11Window, DrawsNothingWhileUnmapped) {
+  ZEL_REQUIRE_XVFB();
+  Fixture f(1);
+  ASSERT_TRUE(f.host);
+  settle(*f.host);
+  f.host->hide();
+  settle(*f.host);
+  const int draws = f.root->draws;
+  f.root->setNeedsDisplay();
+  for (int i = 0; i < 5; ++i) f.host->pump();
+  EXPECT_EQ(f.root->draws, draws);
+  EXPECT_EQ(f.host->nextTimeout(), std::nullopt) << "nothing to wake up for while hidden";
+  f.host->show();
+  settle(*f.host);
+  EXPECT_EQ(f.root->draws, draws + 1) << "the waiting redraw happens once mapped";
+}
+
 TEST(X11Window, ReceivesKeysForwardedWithSendEvent) {
   ZEL_REQUIRE_XVFB();
   TestClient client;

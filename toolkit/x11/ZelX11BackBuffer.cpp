@@ -62,7 +62,14 @@ ZelX11BackBuffer::~ZelX11BackBuffer() {
     XDestroyImage(wrapper_);
   }
   if (gc_) XFreeGC(display_, gc_);
-  if (target_) cairo_surface_destroy(target_);
+  if (target_) {
+    // cairo keeps per-display state for Xlib surfaces: finish it now, while
+    // our own connection is still open, instead of at XCloseDisplay.
+    cairo_device_t* device = cairo_surface_get_device(target_);
+    cairo_surface_finish(target_);
+    if (device) cairo_device_finish(device);
+    cairo_surface_destroy(target_);
+  }
   if (image_) cairo_surface_destroy(image_);
 }
 

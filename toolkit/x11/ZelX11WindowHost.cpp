@@ -261,7 +261,7 @@ bool ZelX11WindowHost::pump() {
 }
 
 std::optional<double> ZelX11WindowHost::nextTimeout() const {
-  if (needsRedraw_ || !exposed_.empty() || XEventsQueued(display(), QueuedAlready) > 0) return 0.0;
+  if ((mapped_ && (needsRedraw_ || !exposed_.empty())) || XEventsQueued(display(), QueuedAlready) > 0) return 0.0;
   std::optional<double> due = window_.runLoop().nextDueTime();
   if (!due) return std::nullopt;
   return std::max(0.0, *due - window_.runLoop().now());
@@ -293,6 +293,12 @@ void ZelX11WindowHost::dispatch(XEvent& event) {
     case DestroyNotify:
       if (event.xdestroywindow.window == xWindow_) destroyed_ = true;
       break;
+    case MapNotify:
+      if (event.xmap.window == xWindow_) mapped_ = true;
+      break;
+    case UnmapNotify:
+      if (event.xunmap.window == xWindow_) mapped_ = false;
+      break;
     case FocusIn:
     case FocusOut:
       handleFocus(event);
@@ -318,11 +324,13 @@ void ZelX11WindowHost::dispatch(XEvent& event) {
 
 bool ZelX11WindowHost::redrawIfNeeded() {
   bool drew = false;
-  if (needsRedraw_ && !destroyed_) {
+  // An unmapped window draws nothing: the dirty region waits for the map
+  // (and the Expose that follows it).
+  if (needsRedraw_ && !destroyed_ && mapped_) {
     needsRedraw_ = false;  // drawing may invalidate again: that is the next frame
     drew = backBuffer_->display(window_, scale_);
   }
-  if (!exposed_.empty()) {
+  if (!exposed_.empty() && mapped_) {
     backBuffer_->present(exposed_);
     exposed_ = {};
     drew = true;

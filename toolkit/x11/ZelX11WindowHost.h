@@ -144,6 +144,7 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   bool applyingServerSize_ = false;
   bool closeRequested_ = false;
   bool destroyed_ = false;
+  bool mapped_ = false;  // MapNotify seen and no UnmapNotify since
   std::function<void()> closeHandler_;
   std::size_t redraws_ = 0;
 
