@@ -319,10 +319,22 @@ TEST(X11Window, LivesInsideAForeignParentAndFollowsItsFocus) {
   XSetInputFocus(client.display(), parent, RevertToNone, CurrentTime);
   XSync(client.display(), False);
   ASSERT_TRUE(pumpUntil(*f.host, [&] { return f.window.isKeyWindow(); }));
-  XSetInputFocus(client.display(), f.host->xWindow(), RevertToParent, CurrentTime);
-  XSync(client.display(), False);
+  // A click takes the input focus from the host's top-level, so that keys
+  // reach the editor; we stay key.
+  client.sendButton(f.host->xWindow(), Button1, 5, 5, 0, true);
+  client.sendButton(f.host->xWindow(), Button1, 5, 5, Button1Mask, false);
   settle(*f.host);
+  Window focus = 0;
+  int revert = 0;
+  XGetInputFocus(client.display(), &focus, &revert);
+  EXPECT_EQ(focus, f.host->xWindow());
   EXPECT_TRUE(f.window.isKeyWindow());
+  // Embedded, it still tells its fixed size through the size hints.
+  XSizeHints hints{};
+  long supplied = 0;
+  ASSERT_TRUE(XGetWMNormalHints(client.display(), f.host->xWindow(), &hints, &supplied));
+  EXPECT_EQ(hints.min_width, 240);
+  EXPECT_EQ(hints.max_height, 160);
   XSetInputFocus(client.display(), client.root(), RevertToNone, CurrentTime);
   XSync(client.display(), False);
   ASSERT_TRUE(pumpUntil(*f.host, [&] { return !f.window.isKeyWindow(); }));

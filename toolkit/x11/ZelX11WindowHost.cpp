@@ -102,6 +102,7 @@ void ZelX11WindowHost::createWindow(const ZelX11WindowOptions& options) {
                            CWBackPixmap | CWBorderPixel | CWColormap | CWBitGravity | CWEventMask, &attributes);
   if (parent_) {
     watchHostTopLevel();
+    setFixedSizeHints();
   } else {
     focusWindow_ = xWindow_;
     setTopLevelProperties(options);
@@ -128,9 +129,9 @@ void ZelX11WindowHost::setTopLevelProperties(const ZelX11WindowOptions& options)
   setFixedSizeHints();
 }
 
-// The editor has one size: the window manager offers no resizing.
+// The editor has one size: the window manager offers no resizing, and a
+// host that sizes its socket from the embedded window's hints finds it too.
 void ZelX11WindowHost::setFixedSizeHints() {
-  if (parent_) return;
   int w = 0, h = 0;
   pixelSize(w, h);
   XSizeHints hints{};
