@@ -28,12 +28,7 @@ void ZelStandaloneUnit::tellLater(const void* sender, std::uint32_t pid) {
   const float value = values_[pid];
   runLoop_.schedule(
       0,
-      [this, sender, pid, value] {
-        // Listeners may come and go while they are told.
-        const auto listeners = listeners_;
-        for (const auto& [listener, pids] : listeners)
-          if (pids.count(pid) && listeners_.count(listener)) listener->parameterListener(sender, pid, value);
-      },
+      [this, sender, pid, value] { listeners_.tell(sender, pid, value); },
       ZelCallKey{this, kTell});
 }
 
@@ -63,27 +58,19 @@ ZelUnitStatus ZelStandaloneUnit::postGesture(ZelUnitGesture, std::uint32_t pid, 
 }
 
 ZelUnitStatus ZelStandaloneUnit::createListener(ZelUnitParameterListener* listener) {
-  if (!listener) return kZelUnitInvalidParameter;
-  listeners_.emplace(listener, std::set<std::uint32_t>{});
-  return kZelUnitNoErr;
+  return listeners_.create(listener);
 }
 
 ZelUnitStatus ZelStandaloneUnit::addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  auto it = listeners_.find(listener);
-  if (it == listeners_.end()) return kZelUnitInvalidParameter;
-  it->second.insert(pid);
-  return kZelUnitNoErr;
+  return listeners_.add(listener, pid);
 }
 
 ZelUnitStatus ZelStandaloneUnit::removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  auto it = listeners_.find(listener);
-  if (it == listeners_.end()) return kZelUnitInvalidParameter;
-  it->second.erase(pid);
-  return kZelUnitNoErr;
+  return listeners_.remove(listener, pid);
 }
 
 ZelUnitStatus ZelStandaloneUnit::disposeListener(ZelUnitParameterListener* listener) {
-  return listeners_.erase(listener) ? kZelUnitNoErr : kZelUnitInvalidParameter;
+  return listeners_.dispose(listener);
 }
 
 ZelUnitStatus ZelStandaloneUnit::setInterfacePreference(bool flag) {
@@ -103,14 +90,7 @@ ZelUnitStatus ZelStandaloneUnit::setPresetName(const std::string& name) {
 }
 
 ZelUnitStatus ZelStandaloneUnit::getChannelCount(ZelUnitProperty which, std::uint32_t& count) {
-  if (which == ZelUnitProperty::ChannelsIn) {
-    count = channelsIn_;
-  } else if (which == ZelUnitProperty::ChannelsOut) {
-    count = channelsOut_;
-  } else {
-    return kZelUnitInvalidProperty;
-  }
-  return kZelUnitNoErr;
+  return ZelUnitChannelCount(which, channelsIn_, channelsOut_, count);
 }
 
 ZelUnitStatus ZelStandaloneUnit::getMetering(ZelUnitMetering& metering) {

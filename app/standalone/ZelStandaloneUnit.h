@@ -14,13 +14,12 @@
 
 #include <array>
 #include <cstdint>
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 
 #include "dsp/ZelVantryUnit.h"
 #include "host/ZelUnitConnection.h"
+#include "host/ZelUnitListeners.h"
 #include "toolkit/foundation/ZelRunLoop.h"
 
 ZEL_NAMESPACE_BEGIN
@@ -61,7 +60,7 @@ class ZelStandaloneUnit final : public ZelUnitConnection {
   ZelRunLoop& runLoop_;
   std::unique_ptr<ZelVantryUnit> unit_;
   std::array<float, kParameterCount> values_{};  // unit representation
-  std::map<ZelUnitParameterListener*, std::set<std::uint32_t>> listeners_;
+  ZelUnitListeners listeners_;
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   bool themeFlag_ = false;

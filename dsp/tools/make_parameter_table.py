@@ -152,15 +152,20 @@ def header(description, source):
     return "\n".join(out) + "\n"
 
 
+def read_description(path, fail=fail):
+    """The description file's top-level dictionary; `fail` on an unreadable file."""
+    try:
+        with open(path, "rb") as f:
+            return plistlib.load(f)
+    except (OSError, plistlib.InvalidFileException, ValueError) as e:
+        fail(f"cannot read {path}: {e}")
+
+
 def main(argv):
     if len(argv) != 3:
         print(__doc__.strip().splitlines()[2].strip(), file=sys.stderr)
         return 2
-    try:
-        with open(argv[1], "rb") as f:
-            description = plistlib.load(f)
-    except (OSError, plistlib.InvalidFileException, ValueError) as e:
-        fail(f"cannot read {argv[1]}: {e}")
+    description = read_description(argv[1])
     text = header(description, "resources/" + argv[1].rsplit("/", 1)[-1])
     try:
         with open(argv[2]) as f:

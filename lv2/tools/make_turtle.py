@@ -11,7 +11,6 @@ read the way the unit's parameter table reads them (dsp/tools), so ports
 """
 
 import os
-import plistlib
 import re
 import sys
 
@@ -348,11 +347,7 @@ def main(argv):
     if len(argv) != 4:
         print(__doc__.strip().splitlines()[2].strip(), file=sys.stderr)
         return 2
-    try:
-        with open(argv[1], "rb") as f:
-            description = plistlib.load(f)
-    except (OSError, plistlib.InvalidFileException, ValueError) as e:
-        fail(f"cannot read {argv[1]}: {e}")
+    description = table.read_description(argv[1], fail)
     params = table.parameters(description)
     if len(params) != CONTROL_PORT_COUNT:
         fail(f"{len(params)} parameters, but the port layout has {CONTROL_PORT_COUNT} control ports")

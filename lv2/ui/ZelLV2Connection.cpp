@@ -147,12 +147,7 @@ void ZelLV2Connection::sendGet() {
 
 void ZelLV2Connection::requestState() { sendGet(); }
 
-void ZelLV2Connection::tell(const void* sender, std::uint32_t pid) {
-  // A copy: a listener may add or remove listeners while it is told.
-  const std::vector<Listener> listeners = listeners_;
-  for (const Listener& l : listeners)
-    if (l.pids.count(pid)) l.listener->parameterListener(sender, pid, values_[pid]);
-}
+void ZelLV2Connection::tell(const void* sender, std::uint32_t pid) { listeners_.tell(sender, pid, values_[pid]); }
 
 // ---- ZelUnitConnection.
 
@@ -189,33 +184,19 @@ ZelUnitStatus ZelLV2Connection::postGesture(ZelUnitGesture gesture, std::uint32_
 }
 
 ZelUnitStatus ZelLV2Connection::createListener(ZelUnitParameterListener* listener) {
-  if (!listener) return kZelUnitInvalidParameter;
-  if (std::none_of(listeners_.begin(), listeners_.end(), [&](const Listener& l) { return l.listener == listener; }))
-    listeners_.push_back({listener, {}});
-  return kZelUnitNoErr;
+  return listeners_.create(listener);
 }
 
 ZelUnitStatus ZelLV2Connection::addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  for (Listener& l : listeners_)
-    if (l.listener == listener) {
-      l.pids.insert(pid);
-      return kZelUnitNoErr;
-    }
-  return kZelUnitInvalidParameter;
+  return listeners_.add(listener, pid);
 }
 
 ZelUnitStatus ZelLV2Connection::removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  for (Listener& l : listeners_)
-    if (l.listener == listener) {
-      l.pids.erase(pid);
-      return kZelUnitNoErr;
-    }
-  return kZelUnitInvalidParameter;
+  return listeners_.remove(listener, pid);
 }
 
 ZelUnitStatus ZelLV2Connection::disposeListener(ZelUnitParameterListener* listener) {
-  std::erase_if(listeners_, [&](const Listener& l) { return l.listener == listener; });
-  return kZelUnitNoErr;
+  return listeners_.dispose(listener);
 }
 
 ZelUnitStatus ZelLV2Connection::setInterfacePreference(bool flag) {
@@ -239,14 +220,7 @@ ZelUnitStatus ZelLV2Connection::setPresetName(const std::string& name) {
 }
 
 ZelUnitStatus ZelLV2Connection::getChannelCount(ZelUnitProperty which, std::uint32_t& count) {
-  if (which == ZelUnitProperty::ChannelsIn) {
-    count = channelsIn_;
-  } else if (which == ZelUnitProperty::ChannelsOut) {
-    count = channelsOut_;
-  } else {
-    return kZelUnitInvalidProperty;
-  }
-  return kZelUnitNoErr;
+  return ZelUnitChannelCount(which, channelsIn_, channelsOut_, count);
 }
 
 ZelUnitStatus ZelLV2Connection::getMetering(ZelUnitMetering& metering) {

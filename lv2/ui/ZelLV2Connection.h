@@ -34,6 +34,7 @@
 #include <lv2/urid/urid.h>
 
 #include "host/ZelUnitConnection.h"
+#include "host/ZelUnitListeners.h"
 #include "lv2/common/ZelVantryURIs.h"
 
 ZEL_NAMESPACE_BEGIN
@@ -82,10 +83,6 @@ class ZelLV2Connection final : public ZelUnitConnection {
     LV2_URID patchSet, patchGet, patchProperty, patchValue;
     LV2_URID presetName, theme, themeToggle, channelsIn, channelsOut;
   };
-  struct Listener {
-    ZelUnitParameterListener* listener;
-    std::set<std::uint32_t> pids;
-  };
 
   void tell(const void* sender, std::uint32_t pid);
   void receiveAtom(const LV2_Atom* atom, std::uint32_t size);
@@ -101,7 +98,7 @@ class ZelLV2Connection final : public ZelUnitConnection {
   URIDs urids_{};
   LV2_Atom_Forge forge_{};  // initialised once; each message forges into its own buffer
   std::array<float, zel_vantry_lv2::kControlPortCount> values_{};  // unit representation
-  std::vector<Listener> listeners_;
+  ZelUnitListeners listeners_;
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   Observer observer_;

@@ -1,0 +1,78 @@
+// The listener bookkeeping every unit connection needs: which listeners
+// exist and which parameter ids each one hears, with the statuses the
+// connection calls return. Not owning: a listener disposes of itself.
+//
+// Threading: main thread only.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <set>
+#include <vector>
+
+#include "host/ZelUnitConnection.h"
+
+ZEL_NAMESPACE_BEGIN
+
+class ZelUnitListeners {
+ public:
+  ZelUnitStatus create(ZelUnitParameterListener* listener) {
+    if (!listener) return kZelUnitInvalidParameter;
+    if (!find(listener)) entries_.push_back({listener, {}});
+    return kZelUnitNoErr;
+  }
+  ZelUnitStatus add(ZelUnitParameterListener* listener, std::uint32_t pid) {
+    Entry* e = find(listener);
+    if (!e) return kZelUnitInvalidParameter;
+    e->pids.insert(pid);
+    return kZelUnitNoErr;
+  }
+  ZelUnitStatus remove(ZelUnitParameterListener* listener, std::uint32_t pid) {
+    Entry* e = find(listener);
+    if (!e) return kZelUnitInvalidParameter;
+    e->pids.erase(pid);
+    return kZelUnitNoErr;
+  }
+  ZelUnitStatus dispose(ZelUnitParameterListener* listener) {
+    return std::erase_if(entries_, [&](const Entry& e) { return e.listener == listener; }) ? kZelUnitNoErr
+                                                                                          : kZelUnitInvalidParameter;
+  }
+
+  // Tells every listener of `pid` the value. A listener may create or
+  // dispose of listeners while it is told; one disposed of meanwhile is not
+  // told.
+  void tell(const void* sender, std::uint32_t pid, float value) {
+    std::vector<ZelUnitParameterListener*> hearing;
+    for (const Entry& e : entries_)
+      if (e.pids.count(pid)) hearing.push_back(e.listener);
+    for (ZelUnitParameterListener* l : hearing)
+      if (find(l)) l->parameterListener(sender, pid, value);
+  }
+
+ private:
+  struct Entry {
+    ZelUnitParameterListener* listener;
+    std::set<std::uint32_t> pids;
+  };
+  Entry* find(ZelUnitParameterListener* listener) {
+    auto it = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& e) { return e.listener == listener; });
+    return it == entries_.end() ? nullptr : &*it;
+  }
+
+  std::vector<Entry> entries_;
+};
+
+// The answer to a channel-count property, for connections that know both.
+inline ZelUnitStatus ZelUnitChannelCount(ZelUnitProperty which, std::uint32_t in, std::uint32_t out,
+                                         std::uint32_t& count) {
+  if (which == ZelUnitProperty::ChannelsIn) {
+    count = in;
+  } else if (which == ZelUnitProperty::ChannelsOut) {
+    count = out;
+  } else {
+    return kZelUnitInvalidProperty;
+  }
+  return kZelUnitNoErr;
+}
+
+ZEL_NAMESPACE_END
