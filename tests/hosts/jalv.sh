@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Vantry inside jalv.gtk3 (JACK's dummy driver, Xvfb): the editor appears
 # embedded in the host's window, the editor and plug-in exchange their
-# private state through the host, a real pointer drag moves a slider and
-# the value reaches the host's copy (read back through Ctrl+C from the X
-# clipboard), and the host closes cleanly. Runs with a private HOME.
+# private state through the host, a real pointer drag moves a slider, the
+# editor says so (Ctrl+C copies its settings to the X clipboard) and the
+# host saves the new value (File > Save, state.ttl), and the host closes
+# cleanly. Runs with a private HOME.
 #   jalv.sh BUNDLE_DIR OUT_DIR
 set -u
 bundle=$(realpath "$1")
@@ -38,7 +39,7 @@ jackd --no-realtime -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
 pids+=($!)
 sleep 1.5
 
-stdbuf -oL jalv.gtk3 --no-menu --dump "https://www.zel-audio.example/plugins/vantry#stereo" >"$work/jalv.log" 2>&1 &
+stdbuf -oL jalv.gtk3 --dump "https://www.zel-audio.example/plugins/vantry#stereo" >"$work/jalv.log" 2>&1 &
 jalv=$!
 pids+=($jalv)
 window=""
@@ -50,16 +51,19 @@ done
 [ -n "$window" ] || { cat "$work/jalv.log"; fail "jalv showed no Vantry window"; exit 1; }
 sleep 2
 
-# The editor is embedded at the window's origin: the Degrade slider's track
-# runs from y 317 (0 %) to y 61 (100 %) at x 175.
-xwd -root -silent | convert xwd:- -crop 480x380+0+0 "$out/jalv-before.png"
-xdotool mousemove 175 317 mousedown 1 sleep 0.1 mousemove 175 280 sleep 0.1 mousemove 175 230 sleep 0.1 \
-  mousemove 175 189 sleep 0.2 mouseup 1
+# The editor sits below jalv's menu bar: the Degrade slider's track runs
+# from y 317 (0 %) to y 61 (100 %) at x 175 of the editor.
+eval "$(xdotool getwindowgeometry --shell "$window")"
+top=$((HEIGHT - 380))
+[ "$WIDTH" -eq 480 ] && [ "$top" -ge 0 ] || fail "jalv's window is ${WIDTH}x$HEIGHT, expected 480 wide, at least 380 high"
+xwd -root -silent | convert xwd:- -crop "480x$HEIGHT+0+0" "$out/jalv-before.png"
+xdotool mousemove 175 $((top + 317)) mousedown 1 sleep 0.1 mousemove 175 $((top + 280)) sleep 0.1 \
+  mousemove 175 $((top + 230)) sleep 0.1 mousemove 175 $((top + 189)) sleep 0.2 mouseup 1
 sleep 0.5
 xdotool key ctrl+c
 sleep 0.5
 copied=$(xclip -selection clipboard -o 2>/dev/null)
-xwd -root -silent | convert xwd:- -crop 480x380+0+0 "$out/jalv-editor.png"
+xwd -root -silent | convert xwd:- -crop "480x$HEIGHT+0+0" "$out/jalv-editor.png"
 # Ctrl+C copies the editor's settings as a link; Degrade is "deg".
 degrade=$(grep -oE 'deg:[-0-9.]+' <<<"$copied" | head -1 | cut -d: -f2)
 awk -v d="${degrade:-x}" 'BEGIN { exit !(d + 0 == d && d >= 45 && d <= 55) }' ||
@@ -69,6 +73,39 @@ awk -v d="${degrade:-x}" 'BEGIN { exit !(d + 0 == d && d >= 45 && d <= 55) }' ||
 colours=$(convert "$out/jalv-editor.png" -format %k info:)
 [ "$colours" -gt 50 ] || fail "the embedded editor looks empty ($colours colours)"
 
+# The host's own copy: jalv saves its state (File > Save: Ctrl+S, a folder
+# dialog that takes a typed path) with every port's value.
+save_state() {
+  local dir=$1 dialog="" i
+  xdotool windowfocus "$window" 2>/dev/null
+  xdotool mousemove 5 $((top > 0 ? top / 2 : 5)) key ctrl+s
+  for i in $(seq 50); do
+    dialog=$(xdotool search --onlyvisible --maxdepth 1 --name '^Save State$' 2>/dev/null | head -1)
+    [ -n "$dialog" ] && break
+    sleep 0.1
+  done
+  [ -n "$dialog" ] || return 1
+  xdotool mousemove --window "$dialog" 300 25 sleep 0.3
+  xdotool windowfocus "$dialog" 2>/dev/null
+  xdotool type --delay 5 "$dir"
+  for i in 1 2 3; do
+    xdotool key Return
+    sleep 0.7
+    xdotool search --onlyvisible --maxdepth 1 --name '^Save State$' >/dev/null 2>&1 || break
+  done
+  for i in $(seq 30); do [ -s "$dir/state.ttl" ] && return 0; sleep 0.1; done
+  return 1
+}
+if save_state "$work/saved"; then
+  saved=$(awk '/lv2:symbol "Degrade"/ { found = 1 } found && /pset:value/ { v = $2; sub(/;$/, "", v); print v; exit }' \
+    "$work/saved/state.ttl")
+  awk -v d="${saved:-x}" 'BEGIN { exit !(d + 0 == d && d >= 45 && d <= 55) }' ||
+    fail "jalv saved Degrade as '$saved' (expected about 50)"
+  grep -q "vantry#theme" "$work/saved/state.ttl" || fail "the plug-in's own state (theme) is not in jalv's save"
+else
+  fail "jalv did not save its state"
+fi
+
 # The editor asked the plug-in for its state and the plug-in answered.
 grep -q "UI => Plugin" "$work/jalv.log" || fail "no message from the editor reached the plug-in"
 grep -q "vantry#presetName" "$work/jalv.log" || fail "the plug-in did not tell the editor its preset name"
@@ -77,5 +114,5 @@ kill -INT "$jalv"
 for _ in $(seq 50); do kill -0 "$jalv" 2>/dev/null || break; sleep 0.1; done
 kill -0 "$jalv" 2>/dev/null && fail "jalv did not close"
 grep -iE "segmentation|abort|X Error" "$work/jalv.log" && fail "errors in jalv's output"
-[ $failed -eq 0 ] && echo "jalv: editor embedded, Degrade dragged to $degrade, state exchanged; screenshots in $out"
+[ $failed -eq 0 ] && echo "jalv: editor embedded, Degrade dragged to $degrade and saved by jalv as $saved, state exchanged; screenshots in $out"
 exit $failed
