@@ -53,6 +53,13 @@ float wholeNumber(float v) {
 
 }  // namespace
 
+ZelUnitMeteringResult ZelGetMeteringResult(ZelUnitConnection& unit) {
+  ZelUnitMeteringResult result;
+  result.valid = unit.getMetering(result.metering) == kZelUnitNoErr;
+  if (!result.valid) result.metering = {};
+  return result;
+}
+
 const std::array<ZelHostView::ParameterSpec, ZelHostView::kParameterCount>& ZelHostView::parameterTable() {
   static const auto table = makeTable();
   return table;

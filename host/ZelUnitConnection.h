@@ -59,6 +59,17 @@ struct ZelUnitMetering {
   void* context = nullptr;
 };
 
+// What a sketch that meters audio asks for: the unit's metering function
+// and context, and whether the unit offered them.
+struct ZelUnitMeteringResult {
+  ZelUnitMetering metering;
+  bool valid = false;
+};
+
+class ZelUnitConnection;
+// Reads the metering property; `valid` is false when the unit has none.
+ZelUnitMeteringResult ZelGetMeteringResult(ZelUnitConnection& unit);
+
 class ZelUnitConnection {
  public:
   virtual ~ZelUnitConnection() = default;

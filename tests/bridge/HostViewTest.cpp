@@ -109,7 +109,11 @@ struct FakeUnit final : ZelUnitConnection {
     count = which == ZelUnitProperty::ChannelsIn ? in : out;
     return kZelUnitNoErr;
   }
-  ZelUnitStatus getMetering(ZelUnitMetering&) override { return call("metering"); }
+  ZelUnitMetering metering{};
+  ZelUnitStatus getMetering(ZelUnitMetering& m) override {
+    m = metering;
+    return call("metering");
+  }
   std::size_t count(const std::string& op) const { return std::count(calls.begin(), calls.end(), op); }
 };
 
@@ -245,6 +249,27 @@ TEST(HostView, GesturesThemeAndPresetName) {
   EXPECT_EQ(f.view->lastPreset(), "Telephone");
   EXPECT_EQ(f.ui().presetBar()->presetControl()->floatValue(), 1.0f);
   EXPECT_NEAR(f.shown("HighCut"), 3400.0f, 0.5f);
+}
+
+TEST(HostView, APresetChosenInTheHostReachesThePresetBar) {
+  Fixture f;
+  f.runUntil(0.2);
+  f.unit.presetName = "Underwater";
+  f.view->unitPresetNameChanged();
+  EXPECT_EQ(f.view->lastPreset(), "Underwater");
+  EXPECT_EQ(f.ui().presetBar()->presetControl()->floatValue(), 8.0f);
+}
+
+TEST(HostView, MeteringIsOfferedOnlyWhenTheUnitHasIt) {
+  FakeUnit unit;
+  unit.failures["metering"] = kZelUnitInvalidProperty;
+  unit.metering.context = &unit;
+  EXPECT_FALSE(ZelGetMeteringResult(unit).valid);
+  EXPECT_EQ(ZelGetMeteringResult(unit).metering.context, nullptr);
+  unit.failures.clear();
+  unit.metering.function = [](void*, float*, std::uint32_t) {};
+  EXPECT_TRUE(ZelGetMeteringResult(unit).valid);
+  EXPECT_EQ(ZelGetMeteringResult(unit).metering.context, &unit);
 }
 
 TEST(HostView, ChannelCountsReachTheEditor) {
