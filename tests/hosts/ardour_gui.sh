@@ -85,16 +85,19 @@ ids=$(awk '/<Route / { match($0, / id="[0-9]+"/); route = substr($0, RSTART + 5,
 grep -q "<Extra>" "$snapshot" && fail "the session already has GUI state"
 sed -i "s|^</Session>|  <Extra><UI><Window name=\"P-$ids\" visible=\"1\" x-off=\"0\" y-off=\"0\" x-size=\"-1\" y-size=\"-1\" custom-ui=\"1\"/></UI></Extra>\n</Session>|" "$snapshot"
 
-display=:$((70 + ($$ + 100) % 200))
-Xvfb "$display" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
+# Xvfb picks a free display and writes its number.
+Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
 pids+=($!)
-export DISPLAY=$display
+for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.1; done
+[ -s "$work/display" ] || fail "Xvfb did not start"
+DISPLAY=:$(head -1 "$work/display")
+export DISPLAY
 for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
-xdpyinfo >/dev/null 2>&1 || fail "Xvfb did not start"
+xdpyinfo >/dev/null 2>&1 || fail "Xvfb does not answer on $DISPLAY"
 
 ardour --no-announcements --no-splash "$snapshot" >"$work/ardour.log" 2>&1 &
 ardour=$!
-pids+=($ardour)
+pids+=("$ardour")
 frame=""
 for _ in $(seq 240); do
   frame=$(xdotool search --name '^Vantry: ' 2>/dev/null | head -1)
@@ -105,7 +108,6 @@ done
 [ -n "$frame" ] || fail "Ardour opened no Vantry window within 60 s"
 main=$(xdotool search --name '^vantry - Ardour' 2>/dev/null | head -1)
 [ -n "$main" ] || fail "no Ardour main window for the session"
-sleep 3
 
 # The editor is the innermost (most indented) window of Ardour's plug-in window.
 editor=$(xwininfo -tree -id "$frame" | awk 'match($0, /^ +0x[0-9a-f]+/) && RLENGTH > depth { depth = RLENGTH; id = $1 }
@@ -119,19 +121,26 @@ fw=$(geometry "$frame" "Width") fh=$(geometry "$frame" "Height")
 [ "$ew" -ge 400 ] && [ "$eh" -ge 300 ] || fail "the editor is ${ew}x$eh"
 echo "Ardour's Vantry window ${fw}x$fh+$fx+$fy, the editor ${ew}x$eh+$ex+$ey"
 
-xwd -root -silent | convert xwd:- "$out/ardour-gui.png"
-convert "$out/ardour-gui.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor.png"
-# Share of the editor's pixels within FUZZ of COLOUR.
-share() {
-  convert "$out/ardour-gui.png" -crop "${ew}x$eh+$ex+$ey" +repage -fuzz "$3" -fill white -opaque "$2" \
-    -fill black +opaque white -format '%[fx:mean]' info: 2>/dev/null | tr -d '\n' >"$work/share"
-  awk -v s="$(cat "$work/share")" -v m="$1" 'BEGIN { exit !(s + 0 >= m) }'
+# The screen now, in $work/screen.png; the share of the editor's pixels
+# within 4 % of the light theme's beige paper, and the editor's mean grey.
+look() {
+  xwd -root -silent | convert xwd:- "$work/screen.png"
+  beige=$(convert "$work/screen.png" -crop "${ew}x$eh+$ex+$ey" +repage -fuzz 4% -fill white -opaque 'rgb(240,236,225)' \
+    -fill black +opaque white -format '%[fx:mean]' info:)
+  grey=$(convert "$work/screen.png" -crop "${ew}x$eh+$ex+$ey" +repage -colorspace Gray -format '%[fx:int(255*mean)]' info:)
 }
-colours=$(convert "$out/ardour-gui.png" -crop "${ew}x$eh+$ex+$ey" +repage -format %k info:)
+# The paper covers most of the light editor (its first frames may take a while).
+for _ in $(seq 30); do
+  look
+  awk -v s="$beige" 'BEGIN { exit !(s >= 0.4) }' && break
+  sleep 0.5
+done
+cp "$work/screen.png" "$out/ardour-gui.png"
+convert "$work/screen.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor.png"
+awk -v s="$beige" 'BEGIN { exit !(s >= 0.4) }' || fail "the editor is not beige (only $beige of it is)"
+colours=$(convert "$work/screen.png" -crop "${ew}x$eh+$ex+$ey" +repage -format %k info:)
 [ "$colours" -gt 50 ] || fail "the editor looks empty ($colours colours)"
-# The light theme's beige paper covers most of it.
-share 0.4 'rgb(240,236,225)' 4% || fail "the editor is not beige ($(cat "$work/share") of it is)"
-light_share=$(cat "$work/share")
+light_share=$beige
 
 # Ardour leaves the keyboard focus elsewhere; a first click into the editor
 # only activates it (buttons, unlike sliders, do not take that click). So:
@@ -139,13 +148,17 @@ light_share=$(cat "$work/share")
 # button, bottom right.
 xdotool mousemove $((ex + ew - 30)) $((ey + eh - 90)) sleep 0.2 click 1
 sleep 0.5
+look
+[ "$grey" -gt 150 ] || fail "the click on the empty panel changed the editor (mean grey $grey)"
 tx=$((ex + ew - 12)) ty=$((ey + eh - 48))
 xdotool mousemove "$tx" "$ty" sleep 0.2 click 1
-sleep 1.5
-xwd -root -silent | convert xwd:- "$work/dark.png"
-convert "$work/dark.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor-dark.png"
-mean=$(convert "$work/dark.png" -crop "${ew}x$eh+$ex+$ey" +repage -colorspace Gray -format '%[fx:int(255*mean)]' info:)
-[ "$mean" -lt 90 ] || fail "the theme button left the editor light (mean grey $mean)"
+for _ in $(seq 20); do
+  sleep 0.5
+  look
+  [ "$grey" -lt 90 ] && break
+done
+convert "$work/screen.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor-dark.png"
+[ "$grey" -lt 90 ] || fail "the theme button left the editor light (mean grey $grey)"
 
 # Ctrl+S in Ardour: the plug-in's state, saved anew, holds theme 1.
 before=$(grep -oE 'state-dir="state[0-9]+"' "$snapshot")

@@ -51,14 +51,14 @@ run_lua() {
   if grep -iE "segmentation|abort|\[ERROR\]|\[FATAL\]" "$work/$1.log"; then fail "errors in the $1 step's output"; fi
 }
 
-# The plug-in state folder the snapshot FILE points at.
+# The plug-in state folder the snapshot FILE points at (or why there is none).
 state_of() {
   local file=$1 id dir
   id=$(grep -oE '<Processor id="[0-9]+" name="[^"]*"[^>]*type="lv2" unique-id="https://www.zel-audio.example/plugins/vantry#stereo"' "$file" |
     grep -oE '^<Processor id="[0-9]+"' | grep -oE '[0-9]+')
-  [ "$(wc -w <<<"$id")" -eq 1 ] || fail "$(basename "$file") does not hold exactly one Vantry ($id)"
+  [ "$(wc -w <<<"$id")" -eq 1 ] || { echo "$(basename "$file") does not hold exactly one Vantry ($id)"; return 1; }
   dir=$(grep -oE 'state-dir="state[0-9]+"' "$file" | cut -d'"' -f2)
-  [ "$(wc -w <<<"$dir")" -eq 1 ] || fail "$(basename "$file") names no single plug-in state folder ($dir)"
+  [ "$(wc -w <<<"$dir")" -eq 1 ] || { echo "$(basename "$file") names no single plug-in state folder ($dir)"; return 1; }
   echo "$session/plugins/$id/$dir"
 }
 
@@ -81,7 +81,7 @@ automation=$(sed -n '/automation-id="parameter-4"/,/<\/AutomationList>/p' "$sess
 grep -q 'state="Play"' <<<"$automation" || fail "Low Cut's automation was not saved in Play"
 [ "$(sed -n '/<events>/,/<\/events>/p' <<<"$automation" | grep -cE '[0-9]+ [0-9.]+')" -eq 4 ] ||
   { echo "$automation"; fail "Low Cut's automation was not saved with its four points"; }
-state=$(state_of "$session/vantry.ardour")
+state=$(state_of "$session/vantry.ardour") || fail "$state"
 check_state "$state" Telephone 0
 
 # The theme as the editor leaves it after one toggle.
@@ -89,7 +89,8 @@ sed -i 's|\(<https://www.zel-audio.example/plugins/vantry#theme>\) "0"^^xsd:int|
 
 run_lua reload
 [ -f "$session/reloaded.ardour" ] || fail "no snapshot saved after reloading"
-check_state "$(state_of "$session/reloaded.ardour")" Telephone 1
+state=$(state_of "$session/reloaded.ardour") || fail "$state"
+check_state "$state" Telephone 1
 
 rm -rf "$out/ardour-session"
 cp -r "$session" "$out/ardour-session"
