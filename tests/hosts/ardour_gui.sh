@@ -4,12 +4,14 @@
 # track, preset "Telephone", Low Cut automated). Ardour reopens the plug-in
 # windows a session was saved with open; the session is told so, the way
 # Ardour writes it when a user leaves the editor open. Then: the editor
-# appears in Ardour's plug-in window with its light theme, a click on its
-# theme button turns it dark, and Ctrl+S in Ardour saves the plug-in's state
-# with theme 1 beside the preset name. Screenshots go to OUT_DIR. Runs with
-# a private HOME whose Ardour settings skip the first-run and audio setup
-# dialogs.
+# appears in Ardour's plug-in window in the theme its state holds (light for
+# a fresh session), a click on its theme button turns it to the other, and
+# Ctrl+S in Ardour saves the plug-in's state with that theme beside the
+# preset name. Screenshots go to OUT_DIR. Runs with a private HOME whose
+# Ardour settings skip the first-run and audio setup dialogs.
 #   ardour_gui.sh BUNDLE_DIR OUT_DIR [SESSION_DIR]
+# SESSION_DIR: a session ardour_session.lua saved (by default the script
+# makes one); the snapshot "vantry" is opened, on a copy.
 set -u
 here=$(dirname "$(realpath "$0")")
 bundle=$(realpath "$1")
@@ -129,18 +131,36 @@ look() {
     -fill black +opaque white -format '%[fx:mean]' info:)
   grey=$(convert "$work/screen.png" -crop "${ew}x$eh+$ex+$ey" +repage -colorspace Gray -format '%[fx:int(255*mean)]' info:)
 }
-# The paper covers most of the light editor (its first frames may take a while).
-for _ in $(seq 30); do
-  look
-  awk -v s="$beige" 'BEGIN { exit !(s >= 0.4) }' && break
-  sleep 0.5
-done
+# Does the editor show THEME: 0, the paper covering most of it; 1, dark?
+shows() {
+  if [ "$1" -eq 0 ]; then awk -v s="$beige" 'BEGIN { exit !(s >= 0.4) }'; else [ "$grey" -lt 90 ]; fi
+}
+# Polls the screen until the editor shows THEME, at most 15 s.
+await() {
+  for _ in $(seq 30); do
+    look
+    shows "$1" && return 0
+    sleep 0.5
+  done
+  return 1
+}
+theme_name() { if [ "$1" -eq 0 ]; then echo light; else echo dark; fi; }
+
+# The theme the session's plug-in state holds (0 for a fresh one).
+plugin_dir=$session/plugins/${ids#*-}
+state_dir=$(grep -oE 'state-dir="state[0-9]+"' "$snapshot" | cut -d'"' -f2)
+theme=$(grep -oE '<https://www.zel-audio.example/plugins/vantry#theme> "[01]"' "$plugin_dir/$state_dir/state.ttl" | cut -d'"' -f2)
+[ -n "$theme" ] || fail "the session's plug-in state holds no theme"
+toggled=$((1 - theme))
+
+await "$theme"
+found=$?
 cp "$work/screen.png" "$out/ardour-gui.png"
 convert "$work/screen.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor.png"
-awk -v s="$beige" 'BEGIN { exit !(s >= 0.4) }' || fail "the editor is not beige (only $beige of it is)"
+[ $found -eq 0 ] || fail "the editor does not show its $(theme_name "$theme") theme (beige $beige, mean grey $grey)"
 colours=$(convert "$work/screen.png" -crop "${ew}x$eh+$ex+$ey" +repage -format %k info:)
 [ "$colours" -gt 50 ] || fail "the editor looks empty ($colours colours)"
-light_share=$beige
+echo "the editor shows its $(theme_name "$theme") theme: beige $beige, mean grey $grey, $colours colours"
 
 # Ardour leaves the keyboard focus elsewhere; a first click into the editor
 # only activates it (buttons, unlike sliders, do not take that click). So:
@@ -149,30 +169,27 @@ light_share=$beige
 xdotool mousemove $((ex + ew - 30)) $((ey + eh - 90)) sleep 0.2 click 1
 sleep 0.5
 look
-[ "$grey" -gt 150 ] || fail "the click on the empty panel changed the editor (mean grey $grey)"
-tx=$((ex + ew - 12)) ty=$((ey + eh - 48))
-xdotool mousemove "$tx" "$ty" sleep 0.2 click 1
-for _ in $(seq 20); do
-  sleep 0.5
-  look
-  [ "$grey" -lt 90 ] && break
-done
-convert "$work/screen.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor-dark.png"
-[ "$grey" -lt 90 ] || fail "the theme button left the editor light (mean grey $grey)"
+shows "$theme" || fail "the click on the empty panel changed the editor (beige $beige, mean grey $grey)"
+xdotool mousemove $((ex + ew - 12)) $((ey + eh - 48)) sleep 0.2 click 1
+await "$toggled"
+found=$?
+convert "$work/screen.png" -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-editor-toggled.png"
+[ $found -eq 0 ] || fail "the theme button did not turn the editor $(theme_name "$toggled") (beige $beige, mean grey $grey)"
+echo "the theme button turned it $(theme_name "$toggled"): beige $beige, mean grey $grey"
 
-# Ctrl+S in Ardour: the plug-in's state, saved anew, holds theme 1.
-before=$(grep -oE 'state-dir="state[0-9]+"' "$snapshot")
+# Ctrl+S in Ardour: the plug-in's state, saved anew, holds the new theme
+# and still the preset name.
 xdotool key --window "$main" ctrl+s
 saved=""
 for _ in $(seq 40); do
   saved=$(grep -oE 'state-dir="state[0-9]+"' "$snapshot" 2>/dev/null | cut -d'"' -f2)
-  [ -n "$saved" ] && [ "state-dir=\"$saved\"" != "$before" ] && break
+  [ -n "$saved" ] && [ "$saved" != "$state_dir" ] && break
   sleep 0.25
 done
-[ -n "$saved" ] && [ "state-dir=\"$saved\"" != "$before" ] || fail "Ctrl+S saved no new plug-in state"
-ttl=$session/plugins/${ids#*-}/$saved/state.ttl
-grep -qF '<https://www.zel-audio.example/plugins/vantry#theme> "1"^^xsd:int' "$ttl" ||
-  { cat "$ttl"; fail "the saved state lacks theme 1"; }
+[ -n "$saved" ] && [ "$saved" != "$state_dir" ] || fail "Ctrl+S saved no new plug-in state"
+ttl=$plugin_dir/$saved/state.ttl
+grep -qF "<https://www.zel-audio.example/plugins/vantry#theme> \"$toggled\"^^xsd:int" "$ttl" ||
+  { cat "$ttl"; fail "the saved state lacks theme $toggled"; }
 grep -qF '<https://www.zel-audio.example/plugins/vantry#presetName> "Telephone"' "$ttl" ||
   { cat "$ttl"; fail "the saved state lost the preset name"; }
 
@@ -184,4 +201,4 @@ wait "$ardour" 2>/dev/null
 status=$?
 [ "$status" -eq 0 ] || fail "Ardour exited with $status"
 if grep -iE "segmentation|suil error|X Error|\[ERROR\]|\[FATAL\]" "$work/ardour.log"; then fail "errors in Ardour's output"; fi
-echo "ardour gui: Vantry's editor open in Ardour (${light_share} beige), turned dark, theme 1 saved; screenshots in $out"
+echo "ardour gui: Vantry's editor open in Ardour, turned $(theme_name "$toggled"), theme $toggled saved; screenshots in $out"
