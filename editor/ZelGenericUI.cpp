@@ -130,6 +130,8 @@ void ZelGenericUI::addPowerBox() {
   box->gear()->setAction(call(this, &ZelGenericUI::gearTapped));
   box->themeButton()->setAction(call(this, &ZelGenericUI::toggleUITheme));
   box->logo()->setAction(call(this, &ZelGenericUI::logoTapped));
+  box->logo()->setZoomActions({kZoomSteps.begin(), kZoomSteps.end()}, [this] { return zoom_; },
+                              [this](double zoom) { zoomTo(zoom); });
   for (ZelControl* c : std::initializer_list<ZelControl*>{box->book(), box->gear(), box->themeButton(), box->logo()})
     c->setTarget(this);
   powerBox_ = addSubview(std::move(box));

@@ -31,6 +31,7 @@
 // Threading: main thread only.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -189,6 +190,21 @@ class ZelGenericUI : public ZelView,
   void gearTapped();
   void logoTapped();
   void toggleUITheme();
+
+  // ---- User zoom: the editor drawn larger, at one of kZoomSteps. The host
+  // says which zoom is in effect (setZoom, nothing sent back); the user's
+  // choice (logo stamp menu, Ctrl+plus, Ctrl+minus, Ctrl+0) goes to the
+  // delegate as the interface preference "zoom" with the new factor, and
+  // the host scales the window.
+  static constexpr std::array<double, 5> kZoomSteps{1.0, 1.25, 1.5, 1.75, 2.0};
+  // The step nearest to `zoom` (1 for anything that is not a number).
+  static double nearestZoomStep(double zoom);
+  double zoom() const { return zoom_; }
+  void setZoom(double zoom) { zoom_ = nearestZoomStep(zoom); }
+  // The user chose a zoom: a different step is kept and told the delegate.
+  void zoomTo(double zoom);
+  void zoomIn();
+  void zoomOut();
   // Opens "<base URL>/manual/" followed by `extension` when given.
   void openManualWithExtension(std::optional<std::string_view> extension);
   void toggleDrawer(ZelDrawerView* drawer, bool force);
@@ -273,6 +289,7 @@ class ZelGenericUI : public ZelView,
   ZelParameterControl* wasFocusedControl_ = nullptr;
   ZelDrawerView* waitingDrawer_ = nullptr;
   bool hasFocus_ = false;
+  double zoom_ = 1.0;
   ZelMeteringCallback meteringCallback_;
   Layout layout_;
   ZelNotificationCenter::Observation themeObservation_;

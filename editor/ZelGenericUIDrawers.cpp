@@ -1,6 +1,9 @@
 // The editor's drawers and their transition, the sketch, and the actions of
 // the power box's buttons (manual, web site, theme).
 #include "editor/ZelGenericUI.h"
+
+#include <cmath>
+
 #include "editor/ZelPowerBox.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "toolkit/widgets/ZelSymbolButton.h"
@@ -172,6 +175,31 @@ void ZelGenericUI::openManualWithExtension(std::optional<std::string_view> exten
 void ZelGenericUI::bookTapped() { openManualWithExtension(std::nullopt); }
 
 void ZelGenericUI::logoTapped() { openURL(kMakerWebSite); }
+
+double ZelGenericUI::nearestZoomStep(double zoom) {
+  if (!std::isfinite(zoom)) return kZoomSteps.front();
+  double best = kZoomSteps.front();
+  for (double step : kZoomSteps)
+    if (std::abs(step - zoom) < std::abs(best - zoom)) best = step;
+  return best;
+}
+
+void ZelGenericUI::zoomTo(double zoom) {
+  const double step = nearestZoomStep(zoom);
+  if (step == zoom_) return;
+  zoom_ = step;
+  if (delegate_) delegate_->interfaceDidUpdateInterfacePreference(*this, "zoom", zoom_);
+}
+
+void ZelGenericUI::zoomIn() {
+  for (double step : kZoomSteps)
+    if (step > zoom_) return zoomTo(step);
+}
+
+void ZelGenericUI::zoomOut() {
+  for (auto it = kZoomSteps.rbegin(); it != kZoomSteps.rend(); ++it)
+    if (*it < zoom_) return zoomTo(*it);
+}
 
 void ZelGenericUI::toggleUITheme() {
   ZelUITheme::toggleThemeForWindow(window());

@@ -21,7 +21,7 @@ constexpr std::size_t kUndoCapacity = 100;
 // The Command (Ctrl) shortcuts, by the key's characters ignoring modifiers
 // (an upper-case letter: Shift is held too).
 using Shortcut = bool (ZelKeyboardHandler::*)();
-constexpr std::array<std::pair<std::string_view, Shortcut>, 12> kCmdShortcutMap{{
+constexpr std::array<std::pair<std::string_view, Shortcut>, 16> kCmdShortcutMap{{
     {"n", &ZelKeyboardHandler::keyboardShortcutToggleNumericDisplay},
     {"r", &ZelKeyboardHandler::keyboardShortcutRefreshInitialParameterValues},
     {"v", &ZelKeyboardHandler::keyboardShortcutHandlePaste},
@@ -34,6 +34,10 @@ constexpr std::array<std::pair<std::string_view, Shortcut>, 12> kCmdShortcutMap{
     {"t", &ZelKeyboardHandler::keyboardShortcutToggleTheme},
     {"o", &ZelKeyboardHandler::keyboardShortcutTogglePower},
     {"p", &ZelKeyboardHandler::keyboardShortcutTogglePresetDrawer},
+    {"=", &ZelKeyboardHandler::keyboardShortcutZoomIn},
+    {"+", &ZelKeyboardHandler::keyboardShortcutZoomIn},
+    {"-", &ZelKeyboardHandler::keyboardShortcutZoomOut},
+    {"0", &ZelKeyboardHandler::keyboardShortcutResetZoom},
 }};
 
 // Snapshots compare equal when every key of the previous one maps to the
@@ -235,6 +239,21 @@ bool ZelKeyboardHandler::keyboardShortcutToggleAdvancedDrawer() { return ui_ && 
 
 bool ZelKeyboardHandler::keyboardShortcutToggleTheme() {
   if (ui_) ui_->toggleUITheme();
+  return true;
+}
+
+bool ZelKeyboardHandler::keyboardShortcutZoomIn() {
+  if (ui_) ui_->zoomIn();
+  return true;
+}
+
+bool ZelKeyboardHandler::keyboardShortcutZoomOut() {
+  if (ui_) ui_->zoomOut();
+  return true;
+}
+
+bool ZelKeyboardHandler::keyboardShortcutResetZoom() {
+  if (ui_) ui_->zoomTo(1.0);
   return true;
 }
 

@@ -81,6 +81,11 @@ class ZelKeyboardHandler {
   bool keyboardShortcutToggleAdvancedDrawer();
   bool keyboardShortcutToggleTheme();
   bool keyboardShortcutTogglePower();
+  // Ctrl+plus (or Ctrl+=), Ctrl+minus, Ctrl+0: the editor's zoom one step
+  // up, one step down, back to 100%.
+  bool keyboardShortcutZoomIn();
+  bool keyboardShortcutZoomOut();
+  bool keyboardShortcutResetZoom();
   bool keyboardShortcutTogglePresetDrawer();
   // Runs the shortcut for `key` (the characters ignoring modifiers); false
   // when the table has none.

@@ -48,7 +48,17 @@ std::unique_ptr<ZelMenu> ZelLogoStamp::newAboutMenu() {
   menu->addItem(kManualTitle, [this] {
     if (manualAction_) manualAction_();
   });
+  if (chooseZoom_ && !zoomSteps_.empty()) {
+    menu->addSeparator();
+    const double current = currentZoom_ ? currentZoom_() : 0;
+    for (double step : zoomSteps_)
+      menu->addItem(zoomTitle(step), [this, step] { chooseZoom_(step); }, step != current);
+  }
   return menu;
+}
+
+std::string ZelLogoStamp::zoomTitle(double zoom) {
+  return "Zoom " + std::to_string(static_cast<int>(std::lround(zoom * 100))) + "%";
 }
 
 void ZelLogoStamp::mouseDown(const ZelEvent& event) {

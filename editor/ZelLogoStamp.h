@@ -6,7 +6,8 @@
 // stamp and what the editor dims to 0.5 without window focus
 // (stampLayer()). A click opens the "About" menu: the long name (inert), the
 // version, "Visit Website…" (sends this control's action: the editor's
-// logoTapped) and "Manual…" (runs the manual action the power box gives it).
+// logoTapped), "Manual…" (runs the manual action the power box gives it) and
+// the zoom steps ("Zoom 100%" … "Zoom 200%", the current one disabled).
 //
 // Ownership: the metadata is not owned (the description outlives the
 // editor). Threading: main thread only.
@@ -15,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "toolkit/core/ZelControl.h"
 #include "toolkit/foundation/ZelNotificationCenter.h"
@@ -41,9 +43,20 @@ class ZelLogoStamp : public ZelControl {
 
   // What "Manual…" does (the power box runs its book button's action).
   void setManualAction(std::function<void()> action) { manualAction_ = std::move(action); }
+  // The zoom steps the menu offers, the one in effect and what choosing one
+  // does; without a choose action the menu has no zoom items.
+  void setZoomActions(std::vector<double> steps, std::function<double()> current,
+                      std::function<void(double)> choose) {
+    zoomSteps_ = std::move(steps);
+    currentZoom_ = std::move(current);
+    chooseZoom_ = std::move(choose);
+  }
+  // "Zoom 125%".
+  static std::string zoomTitle(double zoom);
 
   // The "About" menu: pluginLongName (disabled), "Version <version>"
-  // (disabled), a separator, "Visit Website…", "Manual…".
+  // (disabled), a separator, "Visit Website…", "Manual…", then (with zoom
+  // actions) a separator and the zoom steps.
   std::unique_ptr<ZelMenu> newAboutMenu();
   static constexpr char kVisitWebsiteTitle[] = "Visit Website\u2026";
   static constexpr char kManualTitle[] = "Manual\u2026";
@@ -59,6 +72,9 @@ class ZelLogoStamp : public ZelControl {
   const ZelMetadata* metadata_ = nullptr;
   std::shared_ptr<const ZelImage> logoImage_;
   std::function<void()> manualAction_;
+  std::vector<double> zoomSteps_;
+  std::function<double()> currentZoom_;
+  std::function<void(double)> chooseZoom_;
   ZelNotificationCenter::Observation themeObservation_;
 };
 

@@ -162,6 +162,7 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
     out = 0;
   }
   ui_->setChannelsIn(in, out);
+  unitZoomChanged();
 }
 
 void ZelHostView::removeEditor() {
@@ -252,6 +253,19 @@ void ZelHostView::unitPresetNameChanged() {
   if (ui_) ui_->lastSavedPresetWasNamed(lastPreset_);
 }
 
+void ZelHostView::unitZoomChanged() {
+  double zoom = 1.0;
+  if (!unit_ || unit_->getZoom(zoom) != kZelUnitNoErr) zoom = 1.0;
+  applyZoom(zoom);
+}
+
+void ZelHostView::applyZoom(double zoom) {
+  // Only the editor's steps: a unit's or host's odd value snaps to one.
+  zoom_ = ZelGenericUI::nearestZoomStep(zoom);
+  if (ui_) ui_->setZoom(zoom_);
+  if (zoomHandler_) zoomHandler_(zoom_);
+}
+
 void ZelHostView::parameterListener(const void* sender, std::uint32_t pid, float value) {
   (void)sender;
   // The echo of the editor's own last change consumes its mark; the value
@@ -315,7 +329,13 @@ void ZelHostView::interfaceDidUpdateCurrentPresetToValueNamed(ZelGenericUI& ui, 
 }
 
 void ZelHostView::interfaceDidUpdateInterfacePreference(ZelGenericUI& ui, std::string_view key, double value) {
-  (void)ui, (void)key;
+  (void)ui;
+  if (key == "zoom") {
+    applyZoom(value);
+    if (unit_) unit_->setZoom(zoom_);
+    return;
+  }
+  // Anything else is the theme toggle.
   if (unit_) unit_->setInterfacePreference(value != 0);
 }
 

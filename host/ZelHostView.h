@@ -108,6 +108,13 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   // host): reads it again and tells the editor.
   void unitPresetNameChanged();
 
+  // ---- Zoom. The host side scales its window: the handler hears every
+  // zoom in effect (at connection, the user's choice, the unit's report).
+  void setZoomHandler(std::function<void(double zoom)> handler) { zoomHandler_ = std::move(handler); }
+  double zoom() const { return zoom_; }
+  // The unit's zoom changed on its own (restored state): reads it again.
+  void unitZoomChanged();
+
   // ---- Focus (the window's key state).
   void containingWindowDidResignKey();
   void containingWindowDidBecomeKey();
@@ -129,6 +136,7 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   void addSketch();
   void observeWindow();
   void removeEditor();
+  void applyZoom(double zoom);
 
   ZelRunLoop& runLoop_;
   std::string resourcesDirectory_;
@@ -142,6 +150,8 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   std::array<float, kParameterCount> outgoing_{};
   ZelSketchFactory sketchFactory_;
   std::function<void(std::string_view)> logSink_;
+  std::function<void(double)> zoomHandler_;
+  double zoom_ = 1.0;
 };
 
 ZEL_NAMESPACE_END

@@ -37,6 +37,7 @@ enum class ZelUnitProperty : std::uint32_t {
   ChannelsIn = 64005,           // unit -> view
   ChannelsOut = 64006,          // unit -> view
   Metering = 64007,             // unit -> view: the metering callback
+  Zoom = 64008,                 // both ways: the user's zoom of the editor (1 to 2)
 };
 
 // Gesture events posted for automation recording.
@@ -98,6 +99,16 @@ class ZelUnitConnection {
   virtual ZelUnitStatus setPresetName(const std::string& name) = 0;
   virtual ZelUnitStatus getChannelCount(ZelUnitProperty which, std::uint32_t& count) = 0;
   virtual ZelUnitStatus getMetering(ZelUnitMetering& metering) = 0;
+  // The editor's zoom, kept with the unit's state. A unit without one
+  // answers kZelUnitInvalidProperty (the editor then stays at 100%).
+  virtual ZelUnitStatus getZoom(double& zoom) {
+    (void)zoom;
+    return kZelUnitInvalidProperty;
+  }
+  virtual ZelUnitStatus setZoom(double zoom) {
+    (void)zoom;
+    return kZelUnitInvalidProperty;
+  }
 };
 
 ZEL_NAMESPACE_END

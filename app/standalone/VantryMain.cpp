@@ -93,11 +93,16 @@ int renderStill(const Options& o, std::unique_ptr<ZelConfig> config) {
 }
 
 #ifdef ZEL_VANTRY_HAVE_X11
-// A new host view on `config` in the window, connected to the unit.
-void showEditor(ZelWindow& window, ZelStandaloneUnit& unit, std::unique_ptr<ZelConfig> config) {
+// A new host view on `config` in the window, connected to the unit. The
+// user's zoom multiplies the window's base scale.
+void showEditor(ZelWindow& window, ZelX11WindowHost& host, double baseScale, ZelStandaloneUnit& unit,
+                std::unique_ptr<ZelConfig> config) {
   window.setContentSize(ZelHostView::kInitialSize);
   auto view = std::make_unique<ZelHostView>(window.runLoop(), std::move(config));
   ZelHostView* shown = view.get();
+  shown->setZoomHandler([&host, baseScale](double zoom) {
+    if (host.backingScale() != baseScale * zoom) host.setBackingScale(baseScale * zoom);
+  });
   // The old view (and its editor) goes before the new one connects.
   window.setContentView(std::move(view));
   shown->setAU(&unit);
@@ -106,14 +111,15 @@ void showEditor(ZelWindow& window, ZelStandaloneUnit& unit, std::unique_ptr<ZelC
 // Reloads the description into a new editor; the unit keeps its values,
 // preset name and theme. A file that cannot be read now leaves the editor
 // as it is.
-void reload(ZelWindow& window, ZelStandaloneUnit& unit, const std::string& path) {
+void reload(ZelWindow& window, ZelX11WindowHost& host, double baseScale, ZelStandaloneUnit& unit,
+            const std::string& path) {
   std::string error;
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(path, error);
   if (!config) {
     std::fprintf(stderr, "vantry: %s: %s (keeping the editor as it is)\n", path.c_str(), error.c_str());
     return;
   }
-  showEditor(window, unit, std::move(config));
+  showEditor(window, host, baseScale, unit, std::move(config));
   std::fprintf(stderr, "vantry: reloaded %s\n", path.c_str());
 }
 
@@ -135,10 +141,11 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
   {
     ZelStandaloneUnit unit(loop, o.channelsIn, o.channelsOut);
     unit.setThemeFlag(o.dark);
-    showEditor(window, unit, std::move(config));
+    const double baseScale = host->backingScale();
+    showEditor(window, *host, baseScale, unit, std::move(config));
     std::unique_ptr<ZelDescriptionWatcher> watcher;
     if (o.watch) {
-      watcher = std::make_unique<ZelDescriptionWatcher>(loop, o.config, [&] { reload(window, unit, o.config); });
+      watcher = std::make_unique<ZelDescriptionWatcher>(loop, o.config, [&] { reload(window, *host, baseScale, unit, o.config); });
       watcher->start();
     }
     host->show();

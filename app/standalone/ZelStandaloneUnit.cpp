@@ -98,4 +98,15 @@ ZelUnitStatus ZelStandaloneUnit::getMetering(ZelUnitMetering& metering) {
   return kZelUnitInvalidProperty;
 }
 
+ZelUnitStatus ZelStandaloneUnit::getZoom(double& zoom) {
+  zoom = zoom_;
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelStandaloneUnit::setZoom(double zoom) {
+  if (!std::isfinite(zoom) || zoom <= 0) return kZelUnitInvalidParameter;
+  zoom_ = zoom;
+  return kZelUnitNoErr;
+}
+
 ZEL_NAMESPACE_END

@@ -52,6 +52,8 @@ class ZelStandaloneUnit final : public ZelUnitConnection {
   ZelUnitStatus setPresetName(const std::string& name) override;
   ZelUnitStatus getChannelCount(ZelUnitProperty which, std::uint32_t& count) override;
   ZelUnitStatus getMetering(ZelUnitMetering& metering) override;
+  ZelUnitStatus getZoom(double& zoom) override;
+  ZelUnitStatus setZoom(double zoom) override;
 
  private:
   // Posts the value of `pid` to every listener of it.
@@ -64,6 +66,7 @@ class ZelStandaloneUnit final : public ZelUnitConnection {
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   bool themeFlag_ = false;
+  double zoom_ = 1.0;
 };
 
 ZEL_NAMESPACE_END

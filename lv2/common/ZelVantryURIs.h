@@ -11,11 +11,14 @@
 //   UI -> DSP  patch:Set kThemeToggle (atom:Bool true): the user toggled the
 //              theme; the plug-in flips its remembered theme.
 //   UI -> DSP  patch:Set kPresetName (atom:String): a preset was chosen.
+//   UI -> DSP  patch:Set kZoom (atom:Int, percent 100-200): the user's zoom.
 //   UI -> DSP  patch:Get (no property): send everything below.
 //   DSP -> UI  patch:Set kPresetName, kTheme (atom:Int 0 or 1: the number
-//              of toggles modulo 2), kChannelsIn, kChannelsOut (atom:Int).
+//              of toggles modulo 2), kZoom, kChannelsIn, kChannelsOut
+//              (atom:Int).
 // The plug-in answers a patch:Get and announces the preset name after its
-// state was restored. It keeps kPresetName and kTheme in its saved state.
+// state was restored. It keeps kPresetName, kTheme and kZoom in its saved
+// state.
 #pragma once
 
 #include <cstdint>
@@ -30,6 +33,8 @@ inline constexpr char kUIURI[] = "https://www.zel-audio.example/plugins/vantry#u
 inline constexpr char kPresetName[] = "https://www.zel-audio.example/plugins/vantry#presetName";
 inline constexpr char kTheme[] = "https://www.zel-audio.example/plugins/vantry#theme";
 inline constexpr char kThemeToggle[] = "https://www.zel-audio.example/plugins/vantry#themeToggle";
+inline constexpr char kZoom[] = "https://www.zel-audio.example/plugins/vantry#zoom";
+inline constexpr std::int32_t kMinZoomPercent = 100, kMaxZoomPercent = 200;
 inline constexpr char kChannelsIn[] = "https://www.zel-audio.example/plugins/vantry#channelsIn";
 inline constexpr char kChannelsOut[] = "https://www.zel-audio.example/plugins/vantry#channelsOut";
 

@@ -51,7 +51,7 @@ bool isToggle(int pid) {
 struct URIDs {
   LV2_URID atomBlank, atomObject, atomString, atomInt, atomBool, atomURID, atomSequence;
   LV2_URID patchSet, patchGet, patchProperty, patchValue;
-  LV2_URID presetName, theme, themeToggle, channelsIn, channelsOut;
+  LV2_URID presetName, theme, themeToggle, zoom, channelsIn, channelsOut;
 
   explicit URIDs(const LV2_URID_Map& m) {
     const auto map = [&](const char* uri) { return m.map(m.handle, uri); };
@@ -69,6 +69,7 @@ struct URIDs {
     presetName = map(ids::kPresetName);
     theme = map(ids::kTheme);
     themeToggle = map(ids::kThemeToggle);
+    zoom = map(ids::kZoom);
     channelsIn = map(ids::kChannelsIn);
     channelsOut = map(ids::kChannelsOut);
   }
@@ -80,8 +81,11 @@ enum Owed : std::uint32_t {
   kOweTheme = 1u << 1,
   kOweChannelsIn = 1u << 2,
   kOweChannelsOut = 1u << 3,
-  kOweEverything = kOwePresetName | kOweTheme | kOweChannelsIn | kOweChannelsOut,
+  kOweZoom = 1u << 4,
+  kOweEverything = kOwePresetName | kOweTheme | kOweChannelsIn | kOweChannelsOut | kOweZoom,
 };
+
+constexpr bool isZoom(std::int32_t percent) { return percent >= ids::kMinZoomPercent && percent <= ids::kMaxZoomPercent; }
 
 constexpr std::uint32_t pad8(std::uint32_t n) { return (n + 7u) & ~7u; }
 
@@ -218,7 +222,10 @@ class Plugin {
         store(handle, uris_.presetName, presetName_, std::strlen(presetName_) + 1, uris_.atomString, flags);
     if (status != LV2_STATE_SUCCESS) return status;
     const std::int32_t theme = theme_;
-    return store(handle, uris_.theme, &theme, sizeof(theme), uris_.atomInt, flags);
+    status = store(handle, uris_.theme, &theme, sizeof(theme), uris_.atomInt, flags);
+    if (status != LV2_STATE_SUCCESS) return status;
+    const std::int32_t zoom = zoom_;
+    return store(handle, uris_.zoom, &zoom, sizeof(zoom), uris_.atomInt, flags);
   }
 
   LV2_State_Status restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle) {
@@ -234,8 +241,15 @@ class Plugin {
       std::memcpy(&theme, value, sizeof(theme));
       if (theme == 0 || theme == 1) theme_ = theme;
     }
+    size = 0, type = 0;
+    value = retrieve(handle, uris_.zoom, &size, &type, &flags);
+    if (value && type == uris_.atomInt && size == sizeof(std::int32_t)) {
+      std::int32_t zoom;
+      std::memcpy(&zoom, value, sizeof(zoom));
+      if (isZoom(zoom)) zoom_ = zoom;
+    }
     // The editor learns what the state holds now on the next run.
-    owed_.fetch_or(kOwePresetName | kOweTheme, std::memory_order_release);
+    owed_.fetch_or(kOwePresetName | kOweTheme | kOweZoom, std::memory_order_release);
     return LV2_STATE_SUCCESS;
   }
 
@@ -268,6 +282,7 @@ class Plugin {
       if (!readURID(uris_, patch.property, key)) return;
       const Owed owe = key == uris_.presetName    ? kOwePresetName
                        : key == uris_.theme       ? kOweTheme
+                       : key == uris_.zoom        ? kOweZoom
                        : key == uris_.channelsIn  ? kOweChannelsIn
                        : key == uris_.channelsOut ? kOweChannelsOut
                                                   : Owed(0);
@@ -281,6 +296,9 @@ class Plugin {
         if (isPresetName(text, v->size)) std::memcpy(presetName_, text, v->size);
       } else if (key == uris_.themeToggle && v->type == uris_.atomBool && v->size == sizeof(std::int32_t)) {
         if (reinterpret_cast<const LV2_Atom_Bool*>(v)->body != 0) theme_ ^= 1;
+      } else if (key == uris_.zoom && v->type == uris_.atomInt && v->size == sizeof(std::int32_t)) {
+        const std::int32_t zoom = reinterpret_cast<const LV2_Atom_Int*>(v)->body;
+        if (isZoom(zoom)) zoom_ = zoom;
       }
     }
   }
@@ -335,6 +353,7 @@ class Plugin {
       LV2_URID key;
       std::int32_t value;
     } ints[] = {{kOweTheme, uris_.theme, theme_},
+                {kOweZoom, uris_.zoom, zoom_},
                 {kOweChannelsIn, uris_.channelsIn, std::int32_t(channels_)},
                 {kOweChannelsOut, uris_.channelsOut, std::int32_t(channels_)}};
     if ((owed & kOwePresetName) && sendPresetName()) owed &= ~std::uint32_t(kOwePresetName);
@@ -359,6 +378,7 @@ class Plugin {
 
   char presetName_[ids::kMaxPresetNameBytes + 1] = {};
   std::int32_t theme_ = 0;
+  std::int32_t zoom_ = ids::kMinZoomPercent;  // the editor's zoom in percent
   std::atomic<std::uint32_t> owed_{0};
 };
 

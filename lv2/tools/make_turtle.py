@@ -59,6 +59,7 @@ PROPERTIES = [
     ("presetName", "preset name", "atom:String", "The name of the preset last chosen, kept in the state."),
     ("theme", "theme", "atom:Int", "The editor's theme: 0 or 1, the number of theme toggles modulo 2."),
     ("themeToggle", "theme toggle", "atom:Bool", "Set to true by the editor when the user toggles the theme."),
+    ("zoom", "zoom", "atom:Int", "The editor's zoom in percent, 100 to 200."),
     ("channelsIn", "input channels", "atom:Int", "The plug-in's input channel count."),
     ("channelsOut", "output channels", "atom:Int", "The plug-in's output channel count."),
 ]

@@ -42,7 +42,7 @@ ZelLV2Connection::ZelLV2Connection(LV2UI_Write_Function write, LV2UI_Controller 
   urids_ = {m(LV2_ATOM__eventTransfer), m(LV2_ATOM__Object), m(LV2_ATOM__URID),  m(LV2_ATOM__String),
             m(LV2_ATOM__Int),           m(LV2_ATOM__Bool),   m(LV2_PATCH__Set),  m(LV2_PATCH__Get),
             m(LV2_PATCH__property),     m(LV2_PATCH__value), m(kPresetName),     m(kTheme),
-            m(kThemeToggle),            m(kChannelsIn),      m(kChannelsOut)};
+            m(kThemeToggle),            m(kZoom),            m(kChannelsIn),    m(kChannelsOut)};
   lv2_atom_forge_init(&forge_, map);
   for (std::uint32_t pid = 0; pid < kControlPortCount; ++pid)
     values_[pid] = unitValueFromPort(pid, kZelParameters[pid].initial);
@@ -104,6 +104,9 @@ void ZelLV2Connection::receiveProperty(LV2_URID key, const LV2_Atom* value) {
     if (observer_.presetNameChanged) observer_.presetNameChanged(presetName_);
   } else if (key == urids_.theme && integer(n)) {
     if (observer_.themeReported) observer_.themeReported(n != 0);
+  } else if (key == urids_.zoom && integer(n) && n >= kMinZoomPercent && n <= kMaxZoomPercent) {
+    zoom_ = n / 100.0;
+    if (observer_.zoomReported) observer_.zoomReported(zoom_);
   } else if (key == urids_.channelsIn && integer(n) && n >= 0 && n <= 64) {
     channelsIn_ = static_cast<std::uint32_t>(n);
   } else if (key == urids_.channelsOut && integer(n) && n >= 0 && n <= 64) {
@@ -117,8 +120,9 @@ void ZelLV2Connection::writeAtom(const void* atom, std::uint32_t size) {
   write_(controller_, kControlAtomPort, size, urids_.atomEventTransfer, atom);
 }
 
-void ZelLV2Connection::sendSet(LV2_URID key, const std::string* string, bool flag) {
-  std::vector<std::uint8_t> buffer(256 + (string ? string->size() : 0));
+template <typename Forge>
+void ZelLV2Connection::sendSetWith(LV2_URID key, std::size_t valueBytes, Forge forgeValue) {
+  std::vector<std::uint8_t> buffer(256 + valueBytes);
   LV2_Atom_Forge forge = forge_;
   lv2_atom_forge_set_buffer(&forge, buffer.data(), buffer.size());
   LV2_Atom_Forge_Frame frame;
@@ -126,13 +130,23 @@ void ZelLV2Connection::sendSet(LV2_URID key, const std::string* string, bool fla
   lv2_atom_forge_key(&forge, urids_.patchProperty);
   lv2_atom_forge_urid(&forge, key);
   lv2_atom_forge_key(&forge, urids_.patchValue);
-  if (string) {
-    lv2_atom_forge_string(&forge, string->c_str(), static_cast<std::uint32_t>(string->size()));
-  } else {
-    lv2_atom_forge_bool(&forge, flag);
-  }
+  forgeValue(forge);
   lv2_atom_forge_pop(&forge, &frame);
   if (set) writeAtom(set, lv2_atom_total_size(set));
+}
+
+void ZelLV2Connection::sendSet(LV2_URID key, const std::string& value) {
+  sendSetWith(key, value.size(), [&](LV2_Atom_Forge& f) {
+    lv2_atom_forge_string(&f, value.c_str(), static_cast<std::uint32_t>(value.size()));
+  });
+}
+
+void ZelLV2Connection::sendSet(LV2_URID key, bool value) {
+  sendSetWith(key, 0, [&](LV2_Atom_Forge& f) { lv2_atom_forge_bool(&f, value); });
+}
+
+void ZelLV2Connection::sendSet(LV2_URID key, std::int32_t value) {
+  sendSetWith(key, 0, [&](LV2_Atom_Forge& f) { lv2_atom_forge_int(&f, value); });
 }
 
 void ZelLV2Connection::sendGet() {
@@ -200,7 +214,7 @@ ZelUnitStatus ZelLV2Connection::disposeListener(ZelUnitParameterListener* listen
 }
 
 ZelUnitStatus ZelLV2Connection::setInterfacePreference(bool flag) {
-  sendSet(urids_.themeToggle, nullptr, flag);
+  sendSet(urids_.themeToggle, flag);
   return kZelUnitNoErr;
 }
 
@@ -215,7 +229,7 @@ ZelUnitStatus ZelLV2Connection::setPresetName(const std::string& name) {
   while (!kept.empty() && kept.size() < name.size() && (static_cast<unsigned char>(name[kept.size()]) & 0xC0) == 0x80)
     kept.pop_back();
   presetName_ = kept;
-  sendSet(urids_.presetName, &kept, false);
+  sendSet(urids_.presetName, kept);
   return kZelUnitNoErr;
 }
 
@@ -226,6 +240,20 @@ ZelUnitStatus ZelLV2Connection::getChannelCount(ZelUnitProperty which, std::uint
 ZelUnitStatus ZelLV2Connection::getMetering(ZelUnitMetering& metering) {
   metering = {};
   return kZelUnitInvalidProperty;  // this product's sketch does not meter
+}
+
+ZelUnitStatus ZelLV2Connection::getZoom(double& zoom) {
+  zoom = zoom_;
+  return kZelUnitNoErr;
+}
+
+ZelUnitStatus ZelLV2Connection::setZoom(double zoom) {
+  if (!std::isfinite(zoom)) return kZelUnitInvalidParameter;
+  const auto percent = static_cast<std::int32_t>(
+      std::clamp(std::lround(zoom * 100), static_cast<long>(kMinZoomPercent), static_cast<long>(kMaxZoomPercent)));
+  zoom_ = percent / 100.0;
+  sendSet(urids_.zoom, percent);
+  return kZelUnitNoErr;
 }
 
 ZEL_NAMESPACE_END

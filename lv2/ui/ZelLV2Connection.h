@@ -45,6 +45,7 @@ class ZelLV2Connection final : public ZelUnitConnection {
   struct Observer {
     std::function<void(const std::string& name)> presetNameChanged;
     std::function<void(bool toggled)> themeReported;
+    std::function<void(double zoom)> zoomReported;
   };
 
   // `touch` may be null (the host offers no ui:touch). `channels` is the
@@ -76,19 +77,25 @@ class ZelLV2Connection final : public ZelUnitConnection {
   ZelUnitStatus setPresetName(const std::string& name) override;
   ZelUnitStatus getChannelCount(ZelUnitProperty which, std::uint32_t& count) override;
   ZelUnitStatus getMetering(ZelUnitMetering& metering) override;
+  ZelUnitStatus getZoom(double& zoom) override;
+  ZelUnitStatus setZoom(double zoom) override;
 
  private:
   struct URIDs {
     LV2_URID atomEventTransfer, atomObject, atomURID, atomString, atomInt, atomBool;
     LV2_URID patchSet, patchGet, patchProperty, patchValue;
-    LV2_URID presetName, theme, themeToggle, channelsIn, channelsOut;
+    LV2_URID presetName, theme, themeToggle, zoom, channelsIn, channelsOut;
   };
 
   void tell(const void* sender, std::uint32_t pid);
   void receiveAtom(const LV2_Atom* atom, std::uint32_t size);
   void receiveProperty(LV2_URID key, const LV2_Atom* value);
-  // Sends a patch:Set of `key` (value: a string, or a Bool when `string` is null).
-  void sendSet(LV2_URID key, const std::string* string, bool flag);
+  // Sends a patch:Set of `key` with a string, a Bool or an Int value.
+  void sendSet(LV2_URID key, const std::string& value);
+  void sendSet(LV2_URID key, bool value);
+  void sendSet(LV2_URID key, std::int32_t value);
+  template <typename Forge>
+  void sendSetWith(LV2_URID key, std::size_t valueBytes, Forge forgeValue);
   void sendGet();
   void writeAtom(const void* atom, std::uint32_t size);
 
@@ -101,6 +108,7 @@ class ZelLV2Connection final : public ZelUnitConnection {
   ZelUnitListeners listeners_;
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
+  double zoom_ = 1.0;
   Observer observer_;
 };
 

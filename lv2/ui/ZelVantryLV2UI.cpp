@@ -84,6 +84,7 @@ class ZelVantryUI {
   ZelVantryUI() = default;
   void log(std::string_view line) const;
   void applyRememberedTheme(bool toggled);
+  void applyZoom(double zoom);
 
   Features features_{nullptr};
   ZelMonotonicClock clock_;
@@ -92,6 +93,7 @@ class ZelVantryUI {
   std::unique_ptr<ZelX11WindowHost> host_;
   std::unique_ptr<ZelLV2Connection> connection_;
   ZelHostView* view_ = nullptr;  // owned by the window
+  double baseScale_ = 1;         // the host's scale (or the screen's), before the user's zoom
 };
 
 void ZelVantryUI::log(std::string_view line) const {
@@ -109,6 +111,17 @@ void ZelVantryUI::log(std::string_view line) const {
 void ZelVantryUI::applyRememberedTheme(bool toggled) {
   const bool dark = ZelUITheme::theme() == ZelUITheme::dark();
   if (dark != toggled) ZelUITheme::toggleThemeForWindow(window_.get());
+}
+
+// The user's zoom multiplies the host's scale: the window is drawn at the
+// product and asks the host for its new size.
+void ZelVantryUI::applyZoom(double zoom) {
+  const double scale = baseScale_ * zoom;
+  if (host_->backingScale() != scale) host_->setBackingScale(scale);
+  const LV2UI_Resize* resize = features_.resize;
+  if (resize && resize->ui_resize)
+    resize->ui_resize(resize->handle, static_cast<int>(ZelHostView::kInitialSize.width * scale + 0.5),
+                      static_cast<int>(ZelHostView::kInitialSize.height * scale + 0.5));
 }
 
 ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
@@ -135,6 +148,7 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
     ui->log("Vantry: cannot open the X display; the editor cannot open\n");
     return nullptr;
   }
+  ui->baseScale_ = ui->host_->backingScale();
   ui->connection_ = std::make_unique<ZelLV2Connection>(write, controller, f.map, f.touch, mono ? 1 : 2);
 
   auto view = std::make_unique<ZelHostView>(*ui->loop_, resources);
@@ -145,14 +159,13 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   ui->connection_->setObserver({
       [self](const std::string&) { self->view_->unitPresetNameChanged(); },
       [self](bool toggled) { self->applyRememberedTheme(toggled); },
+      [self](double) { self->view_->unitZoomChanged(); },
   });
+  // Connecting applies the zoom in effect: the window takes its size and
+  // asks the host for it.
+  ui->view_->setZoomHandler([self](double zoom) { self->applyZoom(zoom); });
   ui->view_->setAU(ui->connection_.get());
   ui->connection_->requestState();
-
-  const double scale = ui->host_->backingScale();
-  if (f.resize && f.resize->ui_resize)
-    f.resize->ui_resize(f.resize->handle, static_cast<int>(ZelHostView::kInitialSize.width * scale + 0.5),
-                        static_cast<int>(ZelHostView::kInitialSize.height * scale + 0.5));
   ui->host_->show();
   *widget = reinterpret_cast<LV2UI_Widget>(ui->host_->xWindow());
   return ui.release();

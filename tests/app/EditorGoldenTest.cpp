@@ -45,3 +45,12 @@ TEST(EditorGolden, SameInputSamePixelsAndThemesDiffer) {
 }
 
 }  // namespace
+
+// The user's zoom steps between 100% and 200% draw the editor at that scale,
+// crisp at every step.
+TEST(EditorGolden, LightAtEveryZoomStep) {
+  for (const char* step : {"1.25", "1.5", "1.75"}) {
+    SCOPED_TRACE(step);
+    expectMatchesReference(false, std::stod(step), std::string("editor-light-") + step);
+  }
+}

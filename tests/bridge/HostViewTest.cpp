@@ -109,6 +109,15 @@ struct FakeUnit final : ZelUnitConnection {
     count = which == ZelUnitProperty::ChannelsIn ? in : out;
     return kZelUnitNoErr;
   }
+  double zoom = 1.0;
+  ZelUnitStatus getZoom(double& z) override {
+    z = zoom;
+    return call("zoom get");
+  }
+  ZelUnitStatus setZoom(double z) override {
+    zoom = z;
+    return call("zoom set");
+  }
   ZelUnitMetering metering{};
   ZelUnitStatus getMetering(ZelUnitMetering& m) override {
     m = metering;
@@ -258,6 +267,35 @@ TEST(HostView, APresetChosenInTheHostReachesThePresetBar) {
   f.view->unitPresetNameChanged();
   EXPECT_EQ(f.view->lastPreset(), "Underwater");
   EXPECT_EQ(f.ui().presetBar()->presetControl()->floatValue(), 8.0f);
+}
+
+TEST(HostView, ZoomIsTheUnitsAndTheWindowFollowsIt) {
+  Fixture f;
+  std::vector<double> applied;
+  f.unit.zoom = 1.76;  // snapped to a step
+  auto made = std::make_unique<ZelHostView>(f.loop, ZEL_RESOURCES_DIR);
+  made->setZoomHandler([&](double z) { applied.push_back(z); });
+  ZelHostView* view = made.get();
+  f.window.setContentView(std::move(made));
+  view->setAU(&f.unit);
+  EXPECT_EQ(applied, std::vector<double>{1.75}) << "connecting applies the unit's zoom";
+  EXPECT_EQ(view->ui()->zoom(), 1.75);
+
+  view->ui()->zoomOut();
+  EXPECT_EQ(f.unit.zoom, 1.5) << "the user's choice is kept by the unit";
+  EXPECT_EQ(applied.back(), 1.5);
+  f.unit.zoom = 2;
+  view->unitZoomChanged();
+  EXPECT_EQ(applied.back(), 2.0);
+  EXPECT_EQ(view->ui()->zoom(), 2.0);
+  // A unit without a zoom leaves the editor at 100%.
+  f.unit.failures["zoom get"] = kZelUnitInvalidProperty;
+  view->unitZoomChanged();
+  EXPECT_EQ(applied.back(), 1.0);
+  // The theme toggle still goes to its own property.
+  view->interfaceDidUpdateInterfacePreference(*view->ui(), "theme", 1);
+  EXPECT_EQ(f.unit.preferences, std::vector<bool>{true});
+  EXPECT_EQ(f.unit.zoom, 2.0);
 }
 
 TEST(HostView, MeteringIsOfferedOnlyWhenTheUnitHasIt) {

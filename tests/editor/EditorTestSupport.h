@@ -4,6 +4,8 @@
 // back through the run loop.
 #pragma once
 
+#include <cstdio>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -131,7 +133,9 @@ class RecordingHost final : public ZelGenericUIDelegate {
     presets.push_back(name);
   }
   void interfaceDidUpdateInterfacePreference(ZelGenericUI&, std::string_view key, double value) override {
-    prefs.push_back(std::string(key) + "=" + std::to_string(static_cast<int>(value)));
+    char number[32];
+    std::snprintf(number, sizeof number, "%g", value);
+    prefs.push_back(std::string(key) + "=" + number);
   }
 
   bool echo = true;

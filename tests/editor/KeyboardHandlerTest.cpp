@@ -1,7 +1,12 @@
 #include <chrono>
+#include <cmath>
+#include <memory>
 
 #include "EditorTestSupport.h"
 #include "editor/ZelKeyboardHandler.h"
+#include "editor/ZelLogoStamp.h"
+#include "editor/ZelPowerBox.h"
+#include "toolkit/core/ZelMenu.h"
 
 using namespace zel;
 using namespace zel::editor_test;
@@ -132,4 +137,44 @@ TEST(ZelKeyboardHandler, BadPastesChangeNothingAndAMegabyteIsBounded) {
   EXPECT_LE(h.host.updates.size(), 2 * h.ui->parameterControls().size());
   h.run(0.1);
   EXPECT_EQ(h.control("A").floatValue(), 61);
+}
+
+TEST(ZelKeyboardHandler, ZoomStepsThroughItsSizesAndTellsTheHost) {
+  EditorHarness h(SmallConfig());
+  auto cmd = [&](const char* key) { h.window.sendEvent(Key(key, ZelKeyCodeUnknown, ZelEventModifierCommand)); };
+  auto zooms = [&] {
+    std::vector<std::string> out;
+    for (const std::string& pref : h.host.prefs)
+      if (pref.rfind("zoom=", 0) == 0) out.push_back(pref.substr(5));
+    return out;
+  };
+  cmd("=");
+  cmd("+");
+  EXPECT_EQ(h.ui->zoom(), 1.5);
+  for (int i = 0; i < 4; ++i) cmd("=");
+  EXPECT_EQ(h.ui->zoom(), 2.0) << "200% is the largest";
+  cmd("-");
+  EXPECT_EQ(h.ui->keyboard().numberBuffer(), "") << "Ctrl+minus is no negative number";
+  cmd("0");
+  EXPECT_EQ(h.ui->keyboard().numberBuffer(), "");
+  cmd("-");
+  EXPECT_EQ(zooms(), (std::vector<std::string>{"1.25", "1.5", "1.75", "2", "1.75", "1"})) << "only changes are told";
+
+  // The host's zoom is taken as it is, snapped to a step, and not told back.
+  h.ui->setZoom(1.6);
+  EXPECT_EQ(h.ui->zoom(), 1.5);
+  h.ui->setZoom(NAN);
+  EXPECT_EQ(h.ui->zoom(), 1.0);
+  EXPECT_EQ(zooms().size(), 6u);
+
+  // The logo stamp's menu offers every step, the current one greyed.
+  std::unique_ptr<ZelMenu> menu = h.ui->powerBox()->logo()->newAboutMenu();
+  std::vector<std::string> offered;
+  for (const ZelMenuItem& item : menu->items())
+    if (item.title.rfind("Zoom", 0) == 0) offered.push_back(item.title + (item.enabled ? "" : " (current)"));
+  EXPECT_EQ(offered, (std::vector<std::string>{"Zoom 100% (current)", "Zoom 125%", "Zoom 150%", "Zoom 175%",
+                                               "Zoom 200%"}));
+  menu->items()[static_cast<std::size_t>(menu->indexOfItem("Zoom 175%"))].action();
+  EXPECT_EQ(h.ui->zoom(), 1.75);
+  EXPECT_EQ(zooms().back(), "1.75");
 }

@@ -110,6 +110,7 @@ TEST(Lv2Patch, GetAnswersWithPresetNameThemeAndChannels) {
     const std::string channels = std::to_string(p.channels());
     EXPECT_EQ(p.query(), (Replies{{ids::kPresetName, "Telephone"},
                                   {ids::kTheme, "0"},
+                                  {ids::kZoom, "100"},
                                   {ids::kChannelsIn, channels},
                                   {ids::kChannelsOut, channels}}));
     p.sendGet(p.urid(ids::kTheme));
@@ -119,6 +120,19 @@ TEST(Lv2Patch, GetAnswersWithPresetNameThemeAndChannels) {
     p.run();
     EXPECT_TRUE(p.replies().empty());
   }
+}
+
+TEST(Lv2Patch, ZoomIsKeptInPercentWithinItsRange) {
+  Instance p(0);
+  ASSERT_TRUE(p.ok());
+  const LV2_URID zoom = p.urid(ids::kZoom);
+  p.sendSetInt(zoom, 150);
+  p.run();
+  EXPECT_EQ(p.query()[ids::kZoom], "150");
+  for (std::int32_t bad : {99, 201, -150, 0}) p.sendSetInt(zoom, bad);
+  p.sendSetBool(zoom, true);  // not an Int
+  p.run();
+  EXPECT_EQ(p.query()[ids::kZoom], "150");
 }
 
 TEST(Lv2Patch, ThemeToggleFlipsTheParity) {
@@ -332,6 +346,7 @@ TEST(Lv2State, SaveAndRestoreCarryPresetNameAndTheme) {
   EXPECT_EQ(a.lv2Descriptor()->extension_data("https://www.zel-audio.example/unknown"), nullptr);
   a.sendSetString(a.urid(ids::kPresetName), "Dusty Vinyl");
   a.sendSetBool(a.urid(ids::kThemeToggle), true);
+  a.sendSetInt(a.urid(ids::kZoom), 175);
   a.run();
   FakeState saved;
   saved.map = &a.map();
@@ -347,7 +362,7 @@ TEST(Lv2State, SaveAndRestoreCarryPresetNameAndTheme) {
   saved.map = &b.map();
   ASSERT_EQ(stateOf(b)->restore(b.handle(), FakeState::retrieve, &saved, 0, nullptr), LV2_STATE_SUCCESS);
   b.run();  // announced without being asked
-  EXPECT_EQ(b.replies(), (Replies{{ids::kPresetName, "Dusty Vinyl"}, {ids::kTheme, "1"}}));
+  EXPECT_EQ(b.replies(), (Replies{{ids::kPresetName, "Dusty Vinyl"}, {ids::kTheme, "1"}, {ids::kZoom, "175"}}));
   b.run();
   EXPECT_TRUE(b.replies().empty()) << "announced once";
 }
@@ -362,6 +377,8 @@ TEST(Lv2State, RestoreIgnoresValuesOfTheWrongShape) {
       {"theme as a string", [&](FakeState& s) { s.put(ids::kTheme, LV2_ATOM__String, "0" + nul); }},
       {"theme out of range", [](FakeState& s) { s.put(ids::kTheme, LV2_ATOM__Int, u32s(7)); }},
       {"theme of 8 bytes", [](FakeState& s) { s.put(ids::kTheme, LV2_ATOM__Int, u32s(0) + u32s(0)); }},
+      {"zoom out of range", [](FakeState& s) { s.put(ids::kZoom, LV2_ATOM__Int, u32s(500)); }},
+      {"zoom as a string", [&](FakeState& s) { s.put(ids::kZoom, LV2_ATOM__String, "150" + nul); }},
   };
   for (const auto& [what, fill] : cases) {
     Instance p(0);
@@ -374,7 +391,7 @@ TEST(Lv2State, RestoreIgnoresValuesOfTheWrongShape) {
     fill(state);
     EXPECT_EQ(stateOf(p)->restore(p.handle(), FakeState::retrieve, &state, 0, nullptr), LV2_STATE_SUCCESS);
     p.run();
-    EXPECT_EQ(p.replies(), (Replies{{ids::kPresetName, "Keep"}, {ids::kTheme, "1"}})) << what;
+    EXPECT_EQ(p.replies(), (Replies{{ids::kPresetName, "Keep"}, {ids::kTheme, "1"}, {ids::kZoom, "100"}})) << what;
   }
 }
 
@@ -396,8 +413,8 @@ TEST(Lv2Notify, ASmallBufferGetsWholeMessagesOnlyAndTheRestLater) {
     for (const Message& m : p.messages()) all.push_back(m);
     std::set<LV2_URID> properties;
     for (const Message& m : all) properties.insert(m.property);
-    EXPECT_EQ(all.size(), 4u) << capacity;
-    EXPECT_EQ(properties.size(), 4u) << capacity;
+    EXPECT_EQ(all.size(), 5u) << capacity;  // name, theme, zoom, channels in and out
+    EXPECT_EQ(properties.size(), 5u) << capacity;
   }
 }
 

@@ -137,6 +137,12 @@ class Instance {
     lv2_atom_forge_bool(&forge_, value);
     lv2_atom_forge_pop(&forge_, &f);
   }
+  void sendSetInt(LV2_URID key, std::int32_t value) {
+    LV2_Atom_Forge_Frame f;
+    beginSet(key, f);
+    lv2_atom_forge_int(&forge_, value);
+    lv2_atom_forge_pop(&forge_, &f);
+  }
   void sendGet(LV2_URID property = 0) {
     LV2_Atom_Forge_Frame f;
     lv2_atom_forge_frame_time(&forge_, 0);

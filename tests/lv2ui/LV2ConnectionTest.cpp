@@ -143,7 +143,8 @@ TEST(LV2Connection, PrivateStateTravelsAsPatchMessages) {
   f.c.requestState();
   f.c.setPresetName("Telephone");
   f.c.setInterfacePreference(true);
-  ASSERT_EQ(f.host.writes.size(), 3u);
+  f.c.setZoom(1.75);
+  ASSERT_EQ(f.host.writes.size(), 4u);
   for (const auto& w : f.host.writes) {
     EXPECT_EQ(w.port, ids::kControlAtomPort);
     EXPECT_EQ(w.format, f.host.id(LV2_ATOM__eventTransfer));
@@ -161,6 +162,11 @@ TEST(LV2Connection, PrivateStateTravelsAsPatchMessages) {
   ASSERT_TRUE(property && value);
   EXPECT_EQ(reinterpret_cast<const LV2_Atom_URID*>(property)->body, f.host.id(ids::kThemeToggle));
   EXPECT_EQ(reinterpret_cast<const LV2_Atom_Bool*>(value)->body, 1);
+  property = value = nullptr;
+  lv2_atom_object_get(object(3), f.host.id(LV2_PATCH__property), &property, f.host.id(LV2_PATCH__value), &value, 0);
+  ASSERT_TRUE(property && value);
+  EXPECT_EQ(reinterpret_cast<const LV2_Atom_URID*>(property)->body, f.host.id(ids::kZoom));
+  EXPECT_EQ(reinterpret_cast<const LV2_Atom_Int*>(value)->body, 175) << "the zoom travels in percent";
 
   // A long name is cut on a character boundary to what the plug-in keeps.
   std::string longName(ids::kMaxPresetNameBytes - 1, 'a');
@@ -175,12 +181,21 @@ TEST(LV2Connection, PluginAnswersAreCheckedBeforeUse) {
   Fixture f;
   std::vector<std::string> names;
   std::vector<bool> themes;
-  f.c.setObserver({[&](const std::string& n) { names.push_back(n); }, [&](bool t) { themes.push_back(t); }});
+  std::vector<double> zooms;
+  f.c.setObserver({[&](const std::string& n) { names.push_back(n); }, [&](bool t) { themes.push_back(t); },
+                   [&](double z) { zooms.push_back(z); }});
   const LV2_URID string = f.host.id(LV2_ATOM__String), integer = f.host.id(LV2_ATOM__Int);
   const std::int32_t one = 1, mono = 1;
   f.atom(f.host.set(ids::kPresetName, string, "Underwater", 11));
   f.atom(f.host.set(ids::kTheme, integer, &one, 4));
   f.atom(f.host.set(ids::kChannelsIn, integer, &mono, 4));
+  const std::int32_t percent = 150, tooBig = 400;
+  f.atom(f.host.set(ids::kZoom, integer, &percent, 4));
+  f.atom(f.host.set(ids::kZoom, integer, &tooBig, 4));
+  EXPECT_EQ(zooms, std::vector<double>{1.5});
+  double zoom = 0;
+  f.c.getZoom(zoom);
+  EXPECT_EQ(zoom, 1.5);
   EXPECT_EQ(names, std::vector<std::string>{"Underwater"});
   EXPECT_EQ(themes, std::vector<bool>{true});
   std::uint32_t in = 0, out = 0;
