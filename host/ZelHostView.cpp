@@ -250,7 +250,12 @@ void ZelHostView::unitPresetNameChanged() {
   std::string name;
   if (!unit_ || unit_->getPresetName(name) != kZelUnitNoErr || name == lastPreset_) return;
   lastPreset_ = std::move(name);
-  if (ui_) ui_->lastSavedPresetWasNamed(lastPreset_);
+  if (!ui_) return;
+  ui_->lastSavedPresetWasNamed(lastPreset_);
+  // As at connection, the values follow the name, so that the editor checks
+  // them against the preset it now shows (nothing is written to the unit).
+  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
+    if (ZelUnitStatus s = unit_->notifyListeners(pid, this); s != kZelUnitNoErr) logFailure(194, "listen", s);
 }
 
 void ZelHostView::unitZoomChanged() {

@@ -267,6 +267,11 @@ TEST(HostView, APresetChosenInTheHostReachesThePresetBar) {
   f.view->unitPresetNameChanged();
   EXPECT_EQ(f.view->lastPreset(), "Underwater");
   EXPECT_EQ(f.ui().presetBar()->presetControl()->floatValue(), 8.0f);
+  // The values (defaults, not Underwater's) are checked against it: dirty.
+  const auto sets = f.unit.count("set");
+  f.runUntil(1.0);
+  EXPECT_TRUE(f.ui().presetBar()->dirty());
+  EXPECT_EQ(f.unit.count("set"), sets) << "nothing written back";
 }
 
 TEST(HostView, ZoomIsTheUnitsAndTheWindowFollowsIt) {
