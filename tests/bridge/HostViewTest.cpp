@@ -350,7 +350,9 @@ TEST(HostView, FailedCallsAreLoggedAndTheWorkGoesOn) {
   for (int i = 0; i < 12; ++i) expected.push_back("ZelGenericCocoaViewMM:192: get result -10878 FFFFD582 \x82\xD5\xFF\xFF\n");
   expected.push_back("ZelGenericCocoaViewMM:109: in result 1818845542 6C696166 fail\n");
   expected.push_back("ZelGenericCocoaViewMM:110: out result 1818845542 6C696166 fail\n");
-  if (std::endian::native == std::endian::little) EXPECT_EQ(f.log, expected);
+  if (std::endian::native == std::endian::little) {
+    EXPECT_EQ(f.log, expected);
+  }
   EXPECT_EQ(f.unit.count("set"), 0u) << "a value that could not be read is not set back";
   ASSERT_NE(f.view->ui(), nullptr) << "the editor is there all the same";
 
