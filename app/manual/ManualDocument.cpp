@@ -93,7 +93,7 @@ std::string rangeText(const ZelParameter& p) {
   }
   std::string s = shown(p, p.minValue) + " to " + shown(p, p.maxValue);
   if (p.logarithmic) s += ", on a logarithmic scale";
-  if (p.showsNegativeInfinity) s += "; the minimum is shown as -inf and adds nothing";
+  if (p.showsNegativeInfinity) s += "; the minimum (shown as \xE2\x88\x92\xE2\x88\x9E) adds nothing";
   return s;
 }
 

@@ -78,7 +78,8 @@ bool ZelWriteManualHTML(const ZelManualDocument& doc, const std::string& path, s
                     ZelManualHTMLText(doc.productName + " " + doc.version + " user manual") + "</title>\n<style>" +
                     kStyle + "</style>\n</head>\n<body>\n";
   for (const ZelManualPage& page : doc.pages) {
-    out += "<section" + id(page.anchor) + ">\n";
+    out += "<section>\n";  // the page's heading carries its anchor
+
     for (const ZelManualBlock& b : page.blocks) {
       switch (b.kind) {
         case Kind::Title:

@@ -6,7 +6,8 @@
 // the texts are checked against the description. Every finding is one line
 // on stderr; the status is 0 when everything was written, 1 when the texts
 // do not match the description or a page does not fit, 2 on bad arguments
-// or an unreadable description.
+// or an unreadable description. With ZEL_MANUAL_DRAFT=1 in the environment a
+// page that runs into the bottom margin is written anyway (to look at it).
 #include <cstdio>
 #include <string>
 
