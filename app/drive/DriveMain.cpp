@@ -21,6 +21,7 @@
 #include <memory>
 #include <string>
 
+#include "app/common/ZelAppResources.h"
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelNumberWords.h"
 #include "app/drive/DriveRunner.h"
@@ -76,6 +77,7 @@ int runScript(ZelDriveRunner& runner, std::istream& in) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  ZelUseResourcesBesideExecutable();
   Options o;
   std::string error;
   if (!parse(argc, argv, o, error)) {

@@ -17,6 +17,7 @@
 #include <memory>
 #include <string>
 
+#include "app/common/ZelAppResources.h"
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelEditorStill.h"
 #include "app/common/ZelNumberWords.h"
@@ -162,6 +163,7 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  ZelUseResourcesBesideExecutable();
   if (argc >= 2 && std::string(argv[1]) == "process")
     return ZelProcessCommand(argc - 1, argv + 1, ZelDefaultDescriptionPath().c_str());
   Options o;

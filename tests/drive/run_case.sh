@@ -5,7 +5,8 @@
 # NAME.args      more arguments, one per line (optional); @CASES@ and
 #                @RESOURCES@ are replaced by the folders; a line @STDIN@
 #                feeds the script on standard input instead
-# NAME.expected  standard output, exactly
+# NAME.expected  standard output, exactly, where @BIN@ stands for the
+#                driver's own folder (the manual lives in @BIN@/resources)
 # NAME.stderr    text that standard error must contain (optional)
 # NAME.status    the exit status (0 when absent)
 # The case runs in an empty temporary folder (renders land there), in the
@@ -33,6 +34,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 (cd "$work" && LC_ALL=C "$driver" "${args[@]}" "${script[@]}" <"$stdin" >"$work/out" 2>"$work/err")
 status=$?
+bin=$(cd "$(dirname "$driver")" && pwd)
+sed -i "s|$bin/|@BIN@/|g" "$work/out"
 
 failed=0
 fail() {

@@ -9,7 +9,7 @@ failed=0
 
 # Every C++ source of the product, outside the exempt folders.
 product_sources() {
-  find . \( -path ./tests -o -path ./bench -o -path ./fuzz -o -path ./app/tools -o -path ./app/lv2host \
+  find . \( -path ./tests -o -path ./bench -o -path ./fuzz -o -path ./app/tools -o -path ./app/lv2host -o -path ./app/manual \
     -o -path './build*' -o -path ./.git \) -prune -o \( -name '*.cpp' -o -name '*.h' \) -print
 }
 
