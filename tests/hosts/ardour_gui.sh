@@ -16,6 +16,8 @@ set -u
 here=$(dirname "$(realpath "$0")")
 bundle=$(realpath "$1")
 out=$(realpath -m "$2")
+. "$(dirname "$(realpath "$0")")/foreign_host.sh"
+skip_if_sanitized "$bundle"
 for tool in Xvfb ardour ardour7-lua xdotool xwininfo xdpyinfo xwd convert; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done

@@ -19,6 +19,8 @@ set -u
 here=$(dirname "$(realpath "$0")")
 bundle=$(realpath "$1")
 out=$(realpath -m "$2")
+. "$(dirname "$(realpath "$0")")/foreign_host.sh"
+skip_if_sanitized "$bundle"
 command -v ardour7-lua >/dev/null || { echo "SKIP: ardour7-lua is not installed (package ardour)"; exit 77; }
 [ -f "$bundle/manifest.ttl" ] && [ -f "$bundle/vantry_dsp.so" ] || { echo "FAIL: no bundle at $bundle"; exit 1; }
 

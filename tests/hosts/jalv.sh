@@ -9,6 +9,8 @@
 set -u
 bundle=$(realpath "$1")
 out=$(realpath -m "$2")
+. "$(dirname "$(realpath "$0")")/foreign_host.sh"
+skip_if_sanitized "$bundle"
 for tool in Xvfb jackd jalv.gtk3 xdotool xclip xwd convert; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
