@@ -135,7 +135,9 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
     return nullptr;
   }
   const bool mono = pluginURI && !std::strcmp(pluginURI, kMonoURI);
-  const std::string resources = std::string(bundlePath ? bundlePath : ".") + "/resources";
+  std::string resources = bundlePath && *bundlePath ? bundlePath : ".";
+  if (resources.back() != '/') resources += '/';  // hosts give the bundle path with or without one
+  resources += "resources";
   ZelBundle::setResourcesDirectory(resources);
 
   ui->loop_ = std::make_unique<ZelRunLoop>(ui->clock_);
