@@ -62,6 +62,23 @@ class ZelUnitListeners {
   std::vector<Entry> entries_;
 };
 
+// A connection whose listener calls are the registry's: what every
+// connection of ours shares.
+class ZelListeningUnitConnection : public ZelUnitConnection {
+ public:
+  ZelUnitStatus createListener(ZelUnitParameterListener* listener) override { return listeners_.create(listener); }
+  ZelUnitStatus addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) override {
+    return listeners_.add(listener, pid);
+  }
+  ZelUnitStatus removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) override {
+    return listeners_.remove(listener, pid);
+  }
+  ZelUnitStatus disposeListener(ZelUnitParameterListener* listener) override { return listeners_.dispose(listener); }
+
+ protected:
+  ZelUnitListeners listeners_;
+};
+
 // The answer to a channel-count property, for connections that know both.
 inline ZelUnitStatus ZelUnitChannelCount(ZelUnitProperty which, std::uint32_t in, std::uint32_t out,
                                          std::uint32_t& count) {

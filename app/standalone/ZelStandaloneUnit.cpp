@@ -57,22 +57,6 @@ ZelUnitStatus ZelStandaloneUnit::postGesture(ZelUnitGesture, std::uint32_t pid, 
   return pid < kParameterCount ? kZelUnitNoErr : kZelUnitInvalidParameter;
 }
 
-ZelUnitStatus ZelStandaloneUnit::createListener(ZelUnitParameterListener* listener) {
-  return listeners_.create(listener);
-}
-
-ZelUnitStatus ZelStandaloneUnit::addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  return listeners_.add(listener, pid);
-}
-
-ZelUnitStatus ZelStandaloneUnit::removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  return listeners_.remove(listener, pid);
-}
-
-ZelUnitStatus ZelStandaloneUnit::disposeListener(ZelUnitParameterListener* listener) {
-  return listeners_.dispose(listener);
-}
-
 ZelUnitStatus ZelStandaloneUnit::setInterfacePreference(bool flag) {
   // A toggle event: the flag says that the theme changed, not to what.
   if (flag) themeFlag_ = !themeFlag_;

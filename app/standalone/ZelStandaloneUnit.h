@@ -24,7 +24,7 @@
 
 ZEL_NAMESPACE_BEGIN
 
-class ZelStandaloneUnit final : public ZelUnitConnection {
+class ZelStandaloneUnit final : public ZelListeningUnitConnection {
  public:
   static constexpr std::uint32_t kParameterCount = kZelParameterCount;
 
@@ -43,10 +43,6 @@ class ZelStandaloneUnit final : public ZelUnitConnection {
   ZelUnitStatus setParameter(std::uint32_t pid, float value, const void* sender) override;
   ZelUnitStatus notifyListeners(std::uint32_t pid, const void* sender) override;
   ZelUnitStatus postGesture(ZelUnitGesture gesture, std::uint32_t pid, const void* sender) override;
-  ZelUnitStatus createListener(ZelUnitParameterListener* listener) override;
-  ZelUnitStatus addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) override;
-  ZelUnitStatus removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) override;
-  ZelUnitStatus disposeListener(ZelUnitParameterListener* listener) override;
   ZelUnitStatus setInterfacePreference(bool flag) override;
   ZelUnitStatus getPresetName(std::string& name) override;
   ZelUnitStatus setPresetName(const std::string& name) override;
@@ -62,7 +58,6 @@ class ZelStandaloneUnit final : public ZelUnitConnection {
   ZelRunLoop& runLoop_;
   std::unique_ptr<ZelVantryUnit> unit_;
   std::array<float, kParameterCount> values_{};  // unit representation
-  ZelUnitListeners listeners_;
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   bool themeFlag_ = false;

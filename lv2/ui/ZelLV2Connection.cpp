@@ -197,22 +197,6 @@ ZelUnitStatus ZelLV2Connection::postGesture(ZelUnitGesture gesture, std::uint32_
   return kZelUnitNoErr;
 }
 
-ZelUnitStatus ZelLV2Connection::createListener(ZelUnitParameterListener* listener) {
-  return listeners_.create(listener);
-}
-
-ZelUnitStatus ZelLV2Connection::addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  return listeners_.add(listener, pid);
-}
-
-ZelUnitStatus ZelLV2Connection::removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) {
-  return listeners_.remove(listener, pid);
-}
-
-ZelUnitStatus ZelLV2Connection::disposeListener(ZelUnitParameterListener* listener) {
-  return listeners_.dispose(listener);
-}
-
 ZelUnitStatus ZelLV2Connection::setInterfacePreference(bool flag) {
   sendSet(urids_.themeToggle, flag);
   return kZelUnitNoErr;

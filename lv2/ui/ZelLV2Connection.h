@@ -39,7 +39,7 @@
 
 ZEL_NAMESPACE_BEGIN
 
-class ZelLV2Connection final : public ZelUnitConnection {
+class ZelLV2Connection final : public ZelListeningUnitConnection {
  public:
   // What the plug-in reported about its private state.
   struct Observer {
@@ -68,10 +68,6 @@ class ZelLV2Connection final : public ZelUnitConnection {
   ZelUnitStatus setParameter(std::uint32_t pid, float value, const void* sender) override;
   ZelUnitStatus notifyListeners(std::uint32_t pid, const void* sender) override;
   ZelUnitStatus postGesture(ZelUnitGesture gesture, std::uint32_t pid, const void* sender) override;
-  ZelUnitStatus createListener(ZelUnitParameterListener* listener) override;
-  ZelUnitStatus addListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) override;
-  ZelUnitStatus removeListenerParameter(ZelUnitParameterListener* listener, std::uint32_t pid) override;
-  ZelUnitStatus disposeListener(ZelUnitParameterListener* listener) override;
   ZelUnitStatus setInterfacePreference(bool flag) override;
   ZelUnitStatus getPresetName(std::string& name) override;
   ZelUnitStatus setPresetName(const std::string& name) override;
@@ -105,7 +101,6 @@ class ZelLV2Connection final : public ZelUnitConnection {
   URIDs urids_{};
   LV2_Atom_Forge forge_{};  // initialised once; each message forges into its own buffer
   std::array<float, zel_vantry_lv2::kControlPortCount> values_{};  // unit representation
-  ZelUnitListeners listeners_;
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   double zoom_ = 1.0;
