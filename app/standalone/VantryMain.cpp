@@ -101,7 +101,10 @@ constexpr char kHelp[] =
     "\n"
     "Without a window:\n"
     "  --render FILE.png    draw the editor once its animations settled, and write it\n"
-    "  process IN OUT ...   render a sound file through the unit (vantry process --help)\n"
+    "  process IN OUT       render a sound file through the unit, offline, to OUT:\n"
+    "    --preset NAME      a factory preset first\n"
+    "    --set CODENAME=VALUE  one parameter in its own units (repeatable)\n"
+    "    --format wav16|wav24|float|flac  OUT's format (default: IN's)\n"
     "\n"
     "Exit status: 0; 1 without a display or when the picture cannot be written;\n"
     "2 for a bad option or an unreadable description.\n";
