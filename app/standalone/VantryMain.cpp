@@ -235,11 +235,21 @@ void requestStop(int) {
   if (gWakeForSignals) gWakeForSignals->wake();  // a write(2): safe here
 }
 
+// VmHWM, and what the memory is now: the app's own (anonymous and file
+// pages) and shared memory (mostly JACK's, which its clients lock).
 std::string peakMemory() {
   std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);)
-    if (line.rfind("VmHWM:", 0) == 0) return line.substr(6 + line.substr(6).find_first_not_of(" \t"));
-  return "unknown";
+  std::string peak = "unknown", parts;
+  for (std::string line; std::getline(status, line);) {
+    const auto colon = line.find(':');
+    if (colon == std::string::npos) continue;
+    const std::string key = line.substr(0, colon);
+    const auto start = line.find_first_not_of(" \t", colon + 1);
+    const std::string value = start == std::string::npos ? "" : line.substr(start);
+    if (key == "VmHWM") peak = value;
+    if (key == "RssAnon" || key == "RssFile" || key == "RssShmem") parts += (parts.empty() ? "" : ", ") + key + " " + value;
+  }
+  return peak + " (now " + parts + ")";
 }
 
 double millisecondsSinceStart() {
