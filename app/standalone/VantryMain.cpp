@@ -344,11 +344,12 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
       audio->close();
       if (o.stats) {
         const ZelJackStatistics st = audio->statistics();
-        const double budget = st.sampleRate > 0 ? 1e6 * st.bufferSize / st.sampleRate : 0;
+        const double frames = st.blocks ? double(st.frames) / double(st.blocks) : 0;
+        const double budget = st.sampleRate > 0 ? 1e6 * frames / st.sampleRate : 0;
         std::fprintf(stderr,
-                     "vantry: stats: audio %llu blocks of %u frames at %.0f Hz: %.2f us mean, %.2f us max per block "
-                     "(%.2f %% of the block's %.0f us on average); %llu xruns\n",
-                     static_cast<unsigned long long>(st.blocks), st.bufferSize, st.sampleRate, st.meanMicroseconds,
+                     "vantry: stats: audio %llu blocks of %.0f frames on average at %.0f Hz: %.2f us mean, %.2f us max "
+                     "per block (%.2f %% of a block's %.0f us on average); %llu xruns\n",
+                     static_cast<unsigned long long>(st.blocks), frames, st.sampleRate, st.meanMicroseconds,
                      st.maxMicroseconds, budget > 0 ? 100 * st.meanMicroseconds / budget : 0.0, budget,
                      static_cast<unsigned long long>(st.xruns));
       }

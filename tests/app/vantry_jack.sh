@@ -24,7 +24,6 @@ mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$out"
 export JACK_DEFAULT_SERVER=vantry-jack-test-$$ JACK_NO_AUDIO_RESERVATION=1
 session=$XDG_CONFIG_HOME/vantry/session.plist
 
-display=:$((300 + $$ % 200))
 pids=()
 cleanup() {
   for p in "${pids[@]}"; do kill "$p" 2>/dev/null; done
@@ -35,9 +34,12 @@ trap cleanup EXIT
 failed=0
 fail() { echo "FAIL: $*"; failed=1; }
 
-Xvfb "$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+# A display number no other server uses: Xvfb picks it and tells it.
+Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
 pids+=($!)
-export DISPLAY=$display
+for _ in $(seq 50); do [ -s "$work/display" ] && break; sleep 0.1; done
+[ -s "$work/display" ] || { echo "FAIL: Xvfb did not start"; exit 1; }
+export DISPLAY=:$(head -1 "$work/display")
 for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
 start_jack() {
   jackd --no-realtime -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
@@ -109,6 +111,13 @@ awk -v a="$(db 100 "$flat")" -v b="$(db 100 "$cut")" 'BEGIN { exit !(a - b > 20)
 awk -v a="$(db 5000 "$flat")" -v b="$(db 5000 "$cut")" 'BEGIN { d = a - b; exit !(d < 0.5 && d > -0.5) }' ||
   fail "5 kHz moved ($(db 5000 "$flat") -> $(db 5000 "$cut"))"
 shot jack-editor.png
+
+# Another buffer size on the fly: the same sound.
+if command -v jack_bufsize >/dev/null; then
+  jack_bufsize 1024 >/dev/null
+  large=$(measure --expect "LowCut=${low:-20}") || fail "at 1024 frames a block the sound is not the unit's: $large"
+  jack_bufsize 256 >/dev/null
+fi
 
 # 4. A second instance: a name of its own, one channel, only the named connection.
 first_pid=$vantry_pid
