@@ -171,7 +171,7 @@ int renderStill(const Options& o, std::unique_ptr<ZelConfig> config) {
 }
 
 #ifdef ZEL_VANTRY_HAVE_X11
-// What the app says in its window, under the editor.
+// What the app says about its sound, in a corner of the window.
 struct Notice {
   std::string text;
   ZelNoticeView* view = nullptr;  // owned by the host view

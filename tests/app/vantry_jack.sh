@@ -14,7 +14,7 @@ vantry=$1
 probe=$2
 wmclose=$3
 out=$(realpath -m "$4")
-for tool in Xvfb jackd jack_lsp xdotool xclip xwd convert xdpyinfo; do
+for tool in Xvfb jackd jack_lsp xdotool xclip xwd convert compare xdpyinfo; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
 
@@ -80,6 +80,13 @@ copy_settings() {
   xclip -selection clipboard -o 2>/dev/null
 }
 shot() { xwd -root -silent | convert xwd:- -crop 480x380+0+0 "$out/$1"; }
+# Pixels that differ between two shots in the notice's corner (above the
+# preset bar, under Slope).
+corner_change() {
+  convert "$out/$1" -crop 140x16+0+334 +repage "$work/corner-a.png"
+  convert "$out/$2" -crop 140x16+0+334 +repage "$work/corner-b.png"
+  compare -metric AE -fuzz 5% "$work/corner-a.png" "$work/corner-b.png" null: 2>&1 | cut -d' ' -f1
+}
 
 # 1. Ports and their connections to the system.
 start_vantry "$work/first.log"
@@ -152,6 +159,8 @@ for _ in $(seq 50); do grep -q "went away" "$work/gone.log" && break; sleep 0.1;
 grep -q "the JACK server went away" "$work/gone.log" || fail "no word of the server's end: $(cat "$work/gone.log")"
 sleep 0.3
 shot jack-gone.png
+changed=$(corner_change jack-editor.png jack-gone.png)
+[ "${changed:-0}" -gt 100 ] 2>/dev/null || fail "no notice in the window after the server went away ($changed pixels changed)"
 xdotool mousemove 240 8 click 1
 copied=$(copy_settings)
 grep -q "lo:$low" <<<"$copied" || fail "after the server went: the editor copies '$copied' (expected lo:$low, restored)"
@@ -163,6 +172,8 @@ start_vantry "$work/none.log"
 grep -q "no audio: no JACK server is running; start a JACK server" "$work/none.log" ||
   fail "no server: '$(cat "$work/none.log")'"
 shot jack-none.png
+changed=$(corner_change jack-editor.png jack-none.png)
+[ "${changed:-0}" -gt 100 ] 2>/dev/null || fail "no notice in the window without a server ($changed pixels changed)"
 "$wmclose" "$window"
 wait_exit "$vantry_pid" || fail "the app did not end cleanly without a server"
 grep -iE "segmentation|abort|X Error" "$work"/*.log && fail "errors in the app's output"
