@@ -57,6 +57,7 @@ class ZelLiveUnit {
  private:
   void takeReplacement() noexcept;
 
+  static_assert(std::atomic<ZelVantryUnit*>::is_always_lock_free);
   ZelParameterMailbox mailbox_;
   ZelVantryUnit* playing_;                        // audio thread's
   std::atomic<ZelVantryUnit*> offered_{nullptr};  // main -> audio

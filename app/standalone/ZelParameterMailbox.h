@@ -46,6 +46,8 @@ class ZelParameterMailbox {
   }
 
  private:
+  static_assert(std::atomic<float>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
+                "the audio thread must never take a lock");
   std::array<std::atomic<float>, kCount> values_{};
   std::array<std::atomic<bool>, kCount> pending_{};
   std::atomic<bool> any_{false};
