@@ -1,28 +1,45 @@
 // vantry: the editor in a window of its own, behind the same host view the
-// plug-in uses, connected to the unit in this process.
+// plug-in uses, connected to the unit in this process, which plays through
+// JACK; the session (values, preset, theme) survives restarts.
 //
-//   vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT]
-//          [--render FILE.png | --watch]
+//   vantry [window options] [--render FILE.png | --watch]
 //   vantry process IN OUT [options]   (app/process/ZelProcessCommand.h)
+//   vantry --help                     (every option, kUsage below)
 //
 // Without --render the editor opens in an X11 window at the screen's scale
 // (or S). --render draws the editor once its deferred steps have run and
-// writes the PNG, with no window. --watch reloads the description whenever
-// its file changes, keeping the current values, the preset and the theme.
+// writes the PNG, with no window, no sound and no session. --watch reloads
+// the description whenever its file changes, keeping the current values,
+// the preset and the theme.
+//
+// Sound (ZelJackAudio.h) and the session (ZelSessionFile.h) go with the
+// window; a missing JACK server or a damaged session file is reported (on
+// stderr, and for the sound in a small notice in the window) and never
+// stops the editor. Closing the window, SIGINT or SIGTERM end the app
+// cleanly: the JACK client deactivated and closed, the session written.
 //
 // Exit status: 0; 1 when the display cannot be opened or the picture not
 // written; 2 for a bad option or an unreadable description.
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/common/ZelAppResources.h"
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelEditorStill.h"
 #include "app/common/ZelNumberWords.h"
 #include "app/process/ZelProcessCommand.h"
+#include "app/standalone/ZelNoticeView.h"
+#include "app/standalone/ZelSessionFile.h"
 #include "app/standalone/ZelStandaloneUnit.h"
+#ifdef ZEL_VANTRY_HAVE_JACK
+#include "app/standalone/ZelJackAudio.h"
+#endif
 #include "host/ZelHostView.h"
 #include "model/ZelConfig.h"
 #ifdef ZEL_VANTRY_HAVE_X11
@@ -34,24 +51,73 @@ namespace {
 
 using namespace zel;
 
+const auto gStart = std::chrono::steady_clock::now();
+
 struct Options {
   std::string config = ZelDefaultDescriptionPath();
   bool dark = false;
+  bool themeGiven = false;
   double scale = 0;  // 0: the screen's (1 for --render)
   std::uint32_t channelsIn = 2, channelsOut = 2;
   std::string render;
   bool watch = false;
+  bool audio = true;
+  bool connect = true;
+  std::vector<std::string> connectIn, connectOut;
+  std::string session;  // empty: ZelDefaultSessionPath()
+  bool stats = false;
+  bool help = false;
 };
 
 constexpr char kUsage[] =
-    "usage: vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT]\n"
-    "              [--render FILE.png | --watch]\n"
-    "       vantry process IN OUT [--preset NAME] [--set CODENAME=VALUE]... [--format wav16|wav24|float|flac]\n";
+    "usage: vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT | --mono]\n"
+    "              [--no-audio] [--no-connect] [--connect-in PORT]... [--connect-out PORT]...\n"
+    "              [--session FILE] [--stats] [--render FILE.png | --watch]\n"
+    "       vantry process IN OUT [--preset NAME] [--set CODENAME=VALUE]... [--format wav16|wav24|float|flac]\n"
+    "       vantry --help\n";
+
+constexpr char kHelp[] =
+    "\n"
+    "The editor in a window, playing through JACK:\n"
+    "  --config FILE        the description (default: the bundled resources/config.plist)\n"
+    "  --theme light|dark   the theme to start with (default: the session's)\n"
+    "  --scale S            pixels per point, above 0, at most 4 (default: the screen's)\n"
+    "  --channels IN OUT    the channel counts the editor is told (default 2 2; one output\n"
+    "                       makes the unit and the JACK client mono)\n"
+    "  --mono               the same as --channels 1 1\n"
+    "  --watch              reload the description whenever its file changes\n"
+    "\n"
+    "Sound (a JACK server must be running: jackd, or PipeWire's JACK; none is started):\n"
+    "  --no-audio           no JACK client: the editor only\n"
+    "  --no-connect         leave the system's capture and playback ports alone\n"
+    "  --connect-in PORT    feed the inputs from PORT instead (repeatable: in turn)\n"
+    "  --connect-out PORT   send the outputs to PORT instead (repeatable: in turn)\n"
+    "  --stats              on exit, print the start-up time, peak memory and the\n"
+    "                       audio thread's cost per block\n"
+    "\n"
+    "Session (values, preset and theme, restored at start, written a second after\n"
+    "each change and on exit; a damaged file is set aside as FILE.bad-<time>):\n"
+    "  --session FILE       default: $XDG_CONFIG_HOME/vantry/session.plist\n"
+    "                       (~/.config/vantry/session.plist)\n"
+    "\n"
+    "Without a window:\n"
+    "  --render FILE.png    draw the editor once its animations settled, and write it\n"
+    "  process IN OUT       render a sound file through the unit, offline, to OUT:\n"
+    "    --preset NAME      a factory preset first\n"
+    "    --set CODENAME=VALUE  one parameter in its own units (repeatable)\n"
+    "    --format wav16|wav24|float|flac  OUT's format (default: IN's)\n"
+    "\n"
+    "Exit status: 0; 1 without a display or when the picture cannot be written;\n"
+    "2 for a bad option or an unreadable description.\n";
 
 bool parseValue(const std::string& option, const char* value, Options& o, std::string& error) {
   if (option == "--config") return o.config = value, true;
   if (option == "--render") return o.render = value, true;
+  if (option == "--session") return o.session = value, true;
+  if (option == "--connect-in") return o.connectIn.emplace_back(value), true;
+  if (option == "--connect-out") return o.connectOut.emplace_back(value), true;
   if (option == "--theme") {
+    o.themeGiven = true;
     o.dark = std::string(value) == "dark";
     if (o.dark || std::string(value) == "light") return true;
     return error = "--theme is light or dark, not \"" + std::string(value) + "\"", false;
@@ -66,12 +132,24 @@ bool parse(int argc, char** argv, Options& o, std::string& error) {
     const std::string a = argv[i];
     if (a == "--watch") {
       o.watch = true;
+    } else if (a == "--help" || a == "-h") {
+      o.help = true;
+    } else if (a == "--mono") {
+      o.channelsIn = o.channelsOut = 1;
+    } else if (a == "--no-audio") {
+      o.audio = false;
+    } else if (a == "--no-connect") {
+      o.connect = false;
+    } else if (a == "--stats") {
+      o.stats = true;
     } else if (a == "--channels") {
       const auto in = i + 2 < argc ? ZelParseCountWord(argv[i + 1]) : std::nullopt;
       const auto out = i + 2 < argc ? ZelParseCountWord(argv[i + 2]) : std::nullopt;
       if (!in || !out) return error = "--channels needs two counts, IN and OUT", false;
       o.channelsIn = *in, o.channelsOut = *out, i += 2;
-    } else if (a == "--config" || a == "--render" || a == "--theme" || a == "--scale") {
+    } else if (a == "--config" || a == "--render" || a == "--theme" || a == "--scale" || a == "--session" ||
+               a == "--connect-in" || a == "--connect-out") {
+      if (a == "--session" && i + 1 < argc && argv[i + 1][0] == 0) return error = "--session needs a file", false;
       if (i + 1 >= argc) return error = a + " needs a value", false;
       if (!parseValue(a, argv[++i], o, error)) return false;
     } else {
@@ -94,10 +172,20 @@ int renderStill(const Options& o, std::unique_ptr<ZelConfig> config) {
 }
 
 #ifdef ZEL_VANTRY_HAVE_X11
-// A new host view on `config` in the window, connected to the unit. The
-// user's zoom multiplies the window's base scale.
+// What the app says about its sound, in a corner of the window.
+struct Notice {
+  std::string text;
+  ZelNoticeView* view = nullptr;  // owned by the host view
+  void set(std::string line) {
+    text = std::move(line);
+    if (view) view->setText(text);
+  }
+};
+
+// A new host view on `config` in the window, connected to the unit, with
+// the notice on top. The user's zoom multiplies the window's base scale.
 void showEditor(ZelWindow& window, ZelX11WindowHost& host, double baseScale, ZelStandaloneUnit& unit,
-                std::unique_ptr<ZelConfig> config) {
+                std::unique_ptr<ZelConfig> config, Notice& notice) {
   window.setContentSize(ZelHostView::kInitialSize);
   auto view = std::make_unique<ZelHostView>(window.runLoop(), std::move(config));
   ZelHostView* shown = view.get();
@@ -105,23 +193,73 @@ void showEditor(ZelWindow& window, ZelX11WindowHost& host, double baseScale, Zel
     if (host.backingScale() != baseScale * zoom) host.setBackingScale(baseScale * zoom);
   });
   // The old view (and its editor) goes before the new one connects.
+  notice.view = nullptr;
   window.setContentView(std::move(view));
   shown->setAU(&unit);
+  notice.view = shown->addSubview(std::make_unique<ZelNoticeView>());
+  notice.view->setText(notice.text);
 }
 
 // Reloads the description into a new editor; the unit keeps its values,
 // preset name and theme. A file that cannot be read now leaves the editor
 // as it is.
 void reload(ZelWindow& window, ZelX11WindowHost& host, double baseScale, ZelStandaloneUnit& unit,
-            const std::string& path) {
+            const std::string& path, Notice& notice) {
   std::string error;
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(path, error);
   if (!config) {
     std::fprintf(stderr, "vantry: %s: %s (keeping the editor as it is)\n", path.c_str(), error.c_str());
     return;
   }
-  showEditor(window, host, baseScale, unit, std::move(config));
+  showEditor(window, host, baseScale, unit, std::move(config), notice);
   std::fprintf(stderr, "vantry: reloaded %s\n", path.c_str());
+}
+
+// The session at start: restored, or the defaults with a word on stderr.
+ZelSessionState readSession(const std::string& path) {
+  if (path.empty()) {
+    std::fprintf(stderr, "vantry: no HOME or XDG_CONFIG_HOME: the session is not kept (use --session FILE)\n");
+    return ZelSessionState::defaults();
+  }
+  ZelSessionReading reading = ZelReadSession(path);
+  for (const std::string& note : reading.notes) std::fprintf(stderr, "vantry: %s: %s\n", path.c_str(), note.c_str());
+  if (reading.outcome == ZelSessionReading::Outcome::SetAside) {
+    if (reading.setAsidePath.empty())
+      std::fprintf(stderr, "vantry: %s: %s; starting from the defaults\n", path.c_str(), reading.problem.c_str());
+    else
+      std::fprintf(stderr, "vantry: %s: %s; set aside as %s, starting from the defaults\n", path.c_str(),
+                   reading.problem.c_str(), reading.setAsidePath.c_str());
+  }
+  return reading.state;
+}
+
+volatile std::sig_atomic_t gStopRequested = 0;
+ZelX11WakePipe* gWakeForSignals = nullptr;
+
+void requestStop(int) {
+  gStopRequested = 1;
+  if (gWakeForSignals) gWakeForSignals->wake();  // a write(2): safe here
+}
+
+// VmHWM, and what the memory is now: the app's own (anonymous and file
+// pages) and shared memory (mostly JACK's, which its clients lock).
+std::string peakMemory() {
+  std::ifstream status("/proc/self/status");
+  std::string peak = "unknown", parts;
+  for (std::string line; std::getline(status, line);) {
+    const auto colon = line.find(':');
+    if (colon == std::string::npos) continue;
+    const std::string key = line.substr(0, colon);
+    const auto start = line.find_first_not_of(" \t", colon + 1);
+    const std::string value = start == std::string::npos ? "" : line.substr(start);
+    if (key == "VmHWM") peak = value;
+    if (key == "RssAnon" || key == "RssFile" || key == "RssShmem") parts += (parts.empty() ? "" : ", ") + key + " " + value;
+  }
+  return peak + " (now " + parts + ")";
+}
+
+double millisecondsSinceStart() {
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - gStart).count();
 }
 
 int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
@@ -131,31 +269,110 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
   ZelWindow window(loop, ZelHostView::kInitialSize);
   ZelX11WindowOptions options;
   options.backingScale = o.scale;
-  options.title = config->metadata().pluginName.empty() ? "Vantry" : config->metadata().pluginName;
+  options.title = "Vantry";
   std::unique_ptr<ZelX11WindowHost> host = ZelX11WindowHost::create(window, options);
   if (!host) {
     ZelRunLoop::setCurrent(nullptr);
     return fail(1, "cannot open the display \"" + std::string(std::getenv("DISPLAY") ? std::getenv("DISPLAY") : "") +
                        "\" (use --render FILE.png without one)");
   }
+  // The session only once the window exists: a run that cannot show the
+  // editor leaves it alone.
+  const std::string sessionPath = o.session.empty() ? ZelDefaultSessionPath() : o.session;
+  const ZelSessionState session = readSession(sessionPath);
+  const bool dark = o.themeGiven ? o.dark : session.dark;
+  ZelUseTheme(dark);
+
   ZelX11WakePipe wake(loop);
+  gWakeForSignals = &wake;
+  struct sigaction stop {};
+  stop.sa_handler = requestStop;
+  sigemptyset(&stop.sa_mask);
+  sigaction(SIGINT, &stop, nullptr);
+  sigaction(SIGTERM, &stop, nullptr);
+  double firstPaint = -1;
+  Notice notice;
   {
     ZelStandaloneUnit unit(loop, o.channelsIn, o.channelsOut);
-    unit.setThemeFlag(o.dark);
+    session.applyTo(unit);
+    unit.setThemeFlag(dark);
+    std::unique_ptr<ZelSessionKeeper> keeper;
+    if (!sessionPath.empty()) keeper = std::make_unique<ZelSessionKeeper>(loop, unit, sessionPath);
+
+#ifdef ZEL_VANTRY_HAVE_JACK
+    std::unique_ptr<ZelJackAudio> audio;
+    if (o.audio) {
+      ZelJackOptions jack;
+      jack.connectPhysical = o.connect;
+      jack.connectIn = o.connectIn;
+      jack.connectOut = o.connectOut;
+      jack.measure = o.stats;
+      std::string error;
+      audio = ZelJackAudio::open(loop, unit, jack, error);
+      if (audio) {
+        std::fprintf(stderr, "vantry: playing through JACK as %s at %.0f Hz\n", audio->clientName().c_str(),
+                     unit.sampleRate());
+        audio->setShutdownHandler([&](const std::string& reason) {
+          std::fprintf(stderr, "vantry: the JACK server went away (%s); no sound until Vantry restarts\n",
+                       reason.c_str());
+          notice.set("No audio (JACK server gone)");
+        });
+      } else {
+        std::fprintf(stderr, "vantry: no audio: %s; start a JACK server (jackd or PipeWire's JACK) and restart Vantry\n",
+                     error.c_str());
+        notice.set("No audio (no JACK server)");
+      }
+    }
+#else
+    if (o.audio) {
+      std::fprintf(stderr, "vantry: built without JACK: no sound\n");
+      notice.set("No audio (built without JACK)");
+    }
+#endif
+
     const double baseScale = host->backingScale();
-    showEditor(window, *host, baseScale, unit, std::move(config));
+    showEditor(window, *host, baseScale, unit, std::move(config), notice);
     std::unique_ptr<ZelDescriptionWatcher> watcher;
     if (o.watch) {
-      watcher = std::make_unique<ZelDescriptionWatcher>(loop, o.config, [&] { reload(window, *host, baseScale, unit, o.config); });
+      watcher = std::make_unique<ZelDescriptionWatcher>(loop, o.config, [&] { reload(window, *host, baseScale, unit, o.config, notice); });
       watcher->start();
     }
     host->show();
-    while (host->pump()) ZelX11WaitForEvents(*host, &wake);
+    while (!gStopRequested && host->pump()) {
+#ifdef ZEL_VANTRY_HAVE_JACK
+      if (audio) audio->service();
+#endif
+      if (firstPaint < 0 && host->redrawCount() > 0) firstPaint = millisecondsSinceStart();
+      ZelX11WaitForEvents(*host, &wake);
+    }
+    // The sound stops before anything it plays goes; then the session.
+#ifdef ZEL_VANTRY_HAVE_JACK
+    if (audio) {
+      audio->close();
+      if (o.stats) {
+        const ZelJackStatistics st = audio->statistics();
+        const double frames = st.blocks ? double(st.frames) / double(st.blocks) : 0;
+        const double budget = st.sampleRate > 0 ? 1e6 * frames / st.sampleRate : 0;
+        std::fprintf(stderr,
+                     "vantry: stats: audio %llu blocks of %.0f frames on average at %.0f Hz: %.2f us mean, %.2f us max "
+                     "per block (%.2f %% of a block's %.0f us on average); %llu xruns\n",
+                     static_cast<unsigned long long>(st.blocks), frames, st.sampleRate, st.meanMicroseconds,
+                     st.maxMicroseconds, budget > 0 ? 100 * st.meanMicroseconds / budget : 0.0, budget,
+                     static_cast<unsigned long long>(st.xruns));
+      }
+    }
+#endif
+    if (keeper && !keeper->flush(true)) std::fprintf(stderr, "vantry: the last changes are not saved\n");
     // The editor goes before the unit it is connected to.
+    notice.view = nullptr;
     window.setContentView(std::make_unique<ZelView>());
   }
+  gWakeForSignals = nullptr;
   host.reset();
   ZelRunLoop::setCurrent(nullptr);
+  if (o.stats)
+    std::fprintf(stderr, "vantry: stats: first frame painted %.1f ms after start; peak memory (VmHWM) %s\n", firstPaint,
+                 peakMemory().c_str());
   return 0;
 }
 #endif
@@ -172,10 +389,16 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "vantry: %s\n%s", error.c_str(), kUsage);
     return 2;
   }
+  if (o.help) {
+    std::printf("%s%s", kUsage, kHelp);
+    return 0;
+  }
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(o.config, error);
   if (!config) return fail(2, "cannot read the description " + o.config + ": " + error);
-  ZelUseTheme(o.dark);
-  if (!o.render.empty()) return renderStill(o, std::move(config));
+  if (!o.render.empty()) {
+    ZelUseTheme(o.dark);
+    return renderStill(o, std::move(config));
+  }
 #ifdef ZEL_VANTRY_HAVE_X11
   return runWindow(o, std::move(config));
 #else

@@ -15,11 +15,38 @@ constexpr std::string_view kTell = "tell";
 ZelStandaloneUnit::ZelStandaloneUnit(ZelRunLoop& runLoop, std::uint32_t channelsIn, std::uint32_t channelsOut,
                                      double sampleRate)
     : runLoop_(runLoop),
-      unit_(std::make_unique<ZelVantryUnit>(channelsOut == 1 ? 1 : 2, sampleRate)),
+      unitChannels_(channelsOut == 1 ? 1 : 2),
+      sampleRate_(sampleRate),
+      live_(std::make_unique<ZelVantryUnit>(int(unitChannels_), sampleRate)),
       channelsIn_(channelsIn),
       channelsOut_(channelsOut) {
   for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
     values_[pid] = ZelHostView::unitValueFromEditor(pid, kZelParameters[pid].initial);
+}
+
+std::unique_ptr<ZelVantryUnit> ZelStandaloneUnit::makeUnit(double rate) const {
+  auto unit = std::make_unique<ZelVantryUnit>(int(unitChannels_), rate);
+  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid) unit->setParameter(int(pid), valueInOwnUnits(pid));
+  return unit;
+}
+
+void ZelStandaloneUnit::setSampleRate(double rate) {
+  sampleRate_ = rate;
+  live_.replace(makeUnit(rate));
+}
+
+float ZelStandaloneUnit::valueInOwnUnits(std::uint32_t pid) const {
+  return pid < kParameterCount ? ZelHostView::editorValueFromUnit(pid, values_[pid]) : 0.0f;
+}
+
+void ZelStandaloneUnit::setThemeFlag(bool flag) {
+  if (flag == themeFlag_) return;
+  themeFlag_ = flag;
+  changed();
+}
+
+void ZelStandaloneUnit::changed() {
+  if (changeHandler_) changeHandler_();
 }
 
 ZelStandaloneUnit::~ZelStandaloneUnit() { runLoop_.cancelAllForTarget(this); }
@@ -40,9 +67,11 @@ ZelUnitStatus ZelStandaloneUnit::getParameter(std::uint32_t pid, float& value) {
 
 ZelUnitStatus ZelStandaloneUnit::setParameter(std::uint32_t pid, float value, const void* sender) {
   if (pid >= kParameterCount || std::isnan(value)) return kZelUnitInvalidParameter;
+  const bool differs = values_[pid] != value;
   values_[pid] = value;
-  unit_->setParameter(static_cast<int>(pid), ZelHostView::editorValueFromUnit(pid, value));
+  live_.post(static_cast<int>(pid), valueInOwnUnits(pid));
   tellLater(sender, pid);
+  if (differs) changed();
   return kZelUnitNoErr;
 }
 
@@ -59,7 +88,7 @@ ZelUnitStatus ZelStandaloneUnit::postGesture(ZelUnitGesture, std::uint32_t pid, 
 
 ZelUnitStatus ZelStandaloneUnit::setInterfacePreference(bool flag) {
   // A toggle event: the flag says that the theme changed, not to what.
-  if (flag) themeFlag_ = !themeFlag_;
+  if (flag) setThemeFlag(!themeFlag_);
   return kZelUnitNoErr;
 }
 
@@ -69,7 +98,9 @@ ZelUnitStatus ZelStandaloneUnit::getPresetName(std::string& name) {
 }
 
 ZelUnitStatus ZelStandaloneUnit::setPresetName(const std::string& name) {
+  if (name == presetName_) return kZelUnitNoErr;
   presetName_ = name;
+  changed();
   return kZelUnitNoErr;
 }
 
@@ -89,7 +120,9 @@ ZelUnitStatus ZelStandaloneUnit::getZoom(double& zoom) {
 
 ZelUnitStatus ZelStandaloneUnit::setZoom(double zoom) {
   if (!std::isfinite(zoom) || zoom <= 0) return kZelUnitInvalidParameter;
+  if (zoom == zoom_) return kZelUnitNoErr;
   zoom_ = zoom;
+  changed();
   return kZelUnitNoErr;
 }
 

@@ -1,22 +1,28 @@
 // The standalone app's unit connection: the unit itself, in the same
 // process. It keeps every parameter in the unit representation the host view
-// speaks (the cutoffs as linear positions), sets the audio unit behind it in
-// the unit's own units, and tells listeners through the run loop, one posted
-// call per change, as a plug-in API's listener does. It also keeps the
-// preset name, the theme flag and the channel counts.
+// speaks (the cutoffs as linear positions), posts each change to the audio
+// unit in the unit's own units (through the live unit's mailbox: the audio
+// thread applies it at its next block), and tells listeners through the run
+// loop, one posted call per change, as a plug-in API's listener does. It
+// also keeps the preset name, the theme flag and the channel counts, and
+// tells one change handler (the session keeper) that something changed.
 //
-// Ownership: owns the audio unit. Listeners are not owned: a listener
-// disposes of itself before it goes. The run loop must outlive the
-// connection; its pending calls are cancelled by the destructor.
-// Threading: main thread only (the audio thread of the next step reaches
-// the unit through its own queue).
+// Ownership: owns the live unit (and through it the audio unit). Listeners
+// are not owned: a listener disposes of itself before it goes. The run loop
+// must outlive the connection; its pending calls are cancelled by the
+// destructor. Whoever plays live() on an audio thread stops before the
+// connection goes.
+// Threading: main thread only, except live().process(), which belongs to
+// the audio thread.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "app/standalone/ZelLiveUnit.h"
 #include "dsp/ZelVantryUnit.h"
 #include "host/ZelUnitConnection.h"
 #include "host/ZelUnitListeners.h"
@@ -34,9 +40,20 @@ class ZelStandaloneUnit final : public ZelListeningUnitConnection {
   ZelStandaloneUnit(const ZelStandaloneUnit&) = delete;
   ZelStandaloneUnit& operator=(const ZelStandaloneUnit&) = delete;
 
-  ZelVantryUnit& unit() { return *unit_; }
+  ZelLiveUnit& live() { return live_; }
+  std::uint32_t unitChannels() const { return unitChannels_; }
+  double sampleRate() const { return sampleRate_; }
+  // Prepares a unit for `rate` with the current values (allocates) and
+  // hands it to the audio thread, which plays it from its next block.
+  void setSampleRate(double rate);
+
   bool themeFlag() const { return themeFlag_; }
-  void setThemeFlag(bool flag) { themeFlag_ = flag; }
+  void setThemeFlag(bool flag);
+  const std::string& presetName() const { return presetName_; }
+  // The value of `pid` in the parameter's own units (hertz for the cutoffs).
+  float valueInOwnUnits(std::uint32_t pid) const;
+  // Called after a value, the preset name or the theme flag changed.
+  void setChangeHandler(std::function<void()> handler) { changeHandler_ = std::move(handler); }
 
   // ---- ZelUnitConnection.
   ZelUnitStatus getParameter(std::uint32_t pid, float& value) override;
@@ -49,14 +66,20 @@ class ZelStandaloneUnit final : public ZelListeningUnitConnection {
   ZelUnitStatus getChannelCount(ZelUnitProperty which, std::uint32_t& count) override;
   ZelUnitStatus getMetering(ZelUnitMetering& metering) override;
   ZelUnitStatus getZoom(double& zoom) override;
+  double zoom() const { return zoom_; }
   ZelUnitStatus setZoom(double zoom) override;
 
  private:
   // Posts the value of `pid` to every listener of it.
   void tellLater(const void* sender, std::uint32_t pid);
+  void changed();
+  std::unique_ptr<ZelVantryUnit> makeUnit(double rate) const;
 
   ZelRunLoop& runLoop_;
-  std::unique_ptr<ZelVantryUnit> unit_;
+  std::uint32_t unitChannels_;
+  double sampleRate_;
+  ZelLiveUnit live_;
+  std::function<void()> changeHandler_;
   std::array<float, kParameterCount> values_{};  // unit representation
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;

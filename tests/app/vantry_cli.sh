@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The standalone app's command line: --render writes the picture at the
 # asked scale; bad options and unreadable descriptions exit 2; no display
-# and no --render is an error that points at --render.
+# and no --render is an error that points at --render; --help lists every
+# mode and option in one place.
 #   vantry_cli.sh VANTRY
 set -u
 vantry=$1
@@ -14,7 +15,7 @@ fail() { echo "FAIL: $*"; failed=1; }
 status() {
   local want=$1
   shift
-  (cd "$work" && env -u DISPLAY "$vantry" "$@" >"$work/out" 2>"$work/err")
+  (cd "$work" && env -u DISPLAY -u XDG_CONFIG_HOME HOME="$work/home" "$vantry" "$@" >"$work/out" 2>"$work/err")
   local got=$?
   [ "$got" = "$want" ] || fail "vantry $* exited $got, expected $want: $(cat "$work/err")"
 }
@@ -37,6 +38,17 @@ status 2 --config "$work/missing.plist" --render x.png
 grep -q "cannot read the description" "$work/err" || fail "no reason given for the missing description"
 echo "not a property list" >"$work/bad.plist"
 status 2 --config "$work/bad.plist" --render x.png
+status 2 --connect-in
+status 2 --connect-out
+status 2 --session ""
+status 2 --mono --bogus
 status 1
 grep -q -- "--render" "$work/err" || fail "no display: the message does not point at --render"
+[ -e "$work/home/.config/vantry" ] && fail "a run that could not open a window touched the session"
+
+status 0 --help
+for word in --render --watch process --no-audio --mono --no-connect --connect-in --connect-out --session \
+  --stats --scale --theme --config --channels session.plist JACK; do
+  grep -q -- "$word" "$work/out" || fail "--help does not mention $word"
+done
 exit $failed

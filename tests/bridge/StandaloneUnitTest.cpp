@@ -19,6 +19,7 @@ struct Fixture {
   ZelNullPlatformWindow platform{loop};
   ZelStandaloneUnit unit{loop, 1, 1};
   ZelHostView* view = nullptr;
+  float sample = 0;
 
   Fixture() {
     window.setPlatformWindow(&platform);
@@ -27,6 +28,13 @@ struct Fixture {
     window.setContentView(std::move(made));
     view->setAU(&unit);
     ZelRunVirtualTime(loop, clock, 0.2);
+  }
+  // One block on the audio side: what was posted reaches the unit.
+  ZelVantryUnit& playOneBlock() {
+    const float* in[1] = {&sample};
+    float* out[1] = {&sample};
+    unit.live().process(in, out, 1);
+    return unit.live().playing();
   }
   ~Fixture() {
     window.setContentView(std::make_unique<ZelView>());
@@ -37,12 +45,12 @@ struct Fixture {
 TEST(StandaloneUnit, EditorChangesReachTheAudioUnitInItsUnits) {
   Fixture f;
   f.view->interfaceUpdatedParameterKeyed(*f.view->ui(), 5, 3400);
-  EXPECT_NEAR(f.unit.unit().parameter(5), 3400.0f, 0.1f) << "hertz for the unit, a position on the connection";
+  EXPECT_NEAR(f.playOneBlock().parameter(5), 3400.0f, 0.1f) << "hertz for the unit, a position on the connection";
   float position = 0;
   f.unit.getParameter(5, position);
   EXPECT_NEAR(position, ZelHostView::unitValueFromEditor(5, 3400), 0.01f);
   f.view->interfaceUpdatedParameterKeyed(*f.view->ui(), 8, 2);
-  EXPECT_EQ(f.unit.unit().parameter(8), 2.0f);
+  EXPECT_EQ(f.playOneBlock().parameter(8), 2.0f);
 
   // The echo comes through the run loop and consumes the mark.
   EXPECT_NE(f.view->outgoingValue(8), ZelHostView::kNothingOutstanding);

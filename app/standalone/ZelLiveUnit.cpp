@@ -1,0 +1,46 @@
+#include "app/standalone/ZelLiveUnit.h"
+
+ZEL_DSP_NAMESPACE_BEGIN
+
+ZelLiveUnit::ZelLiveUnit(std::unique_ptr<ZelVantryUnit> first) : playing_(first.release()) {}
+
+ZelLiveUnit::~ZelLiveUnit() {
+  delete offered_.exchange(nullptr);
+  delete retired_.exchange(nullptr);
+  delete playing_;
+}
+
+void ZelLiveUnit::replace(std::unique_ptr<ZelVantryUnit> next) {
+  collect();
+  // Whatever the audio thread did not take is ours again.
+  delete offered_.exchange(next.release(), std::memory_order_acq_rel);
+}
+
+void ZelLiveUnit::collect() { delete retired_.exchange(nullptr, std::memory_order_acq_rel); }
+
+bool ZelLiveUnit::hasLeftovers() const {
+  return offered_.load(std::memory_order_acquire) != nullptr || retired_.load(std::memory_order_acquire) != nullptr;
+}
+
+void ZelLiveUnit::settle() {
+  takeReplacement();
+  collect();
+}
+
+void ZelLiveUnit::takeReplacement() noexcept {
+  // The previous unit put aside must be collected before another one can be.
+  if (retired_.load(std::memory_order_acquire) != nullptr) return;
+  ZelVantryUnit* next = offered_.exchange(nullptr, std::memory_order_acq_rel);
+  if (!next) return;
+  retired_.store(playing_, std::memory_order_release);
+  playing_ = next;
+}
+
+void ZelLiveUnit::process(const float* const* in, float* const* out, std::uint32_t frames) noexcept {
+  takeReplacement();
+  ZelVantryUnit& unit = *playing_;
+  mailbox_.take([&unit](int pid, float value) { unit.setParameter(pid, value); });
+  unit.process(in, out, frames);
+}
+
+ZEL_DSP_NAMESPACE_END

@@ -1,0 +1,67 @@
+// The audio unit as the audio thread plays it: the unit in use, the
+// parameter mailbox that brings the editor's changes to it, and a hand-over
+// for a replacement unit (another sample rate), prepared on the main thread.
+//
+// At the start of every block the audio thread takes a replacement that is
+// waiting (putting the unit it played aside), then applies the values
+// waiting in the mailbox, then processes. The unit put aside is freed by the
+// main thread (collect), never by the audio thread: the audio side only
+// exchanges pointers.
+//
+// Ownership: owns the unit in use, the replacement waiting and the unit put
+// aside; the destructor frees all three (no audio thread may run by then).
+// Threading: post(), replace(), collect() and hasLeftovers() belong to the
+// main thread; process() to the audio thread (one at a time; it never
+// allocates, locks, waits or does I/O). playing() is for whoever knows that
+// no audio thread runs (tests, the main thread after the audio stopped).
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+#include "app/standalone/ZelParameterMailbox.h"
+#include "dsp/ZelVantryUnit.h"
+
+ZEL_DSP_NAMESPACE_BEGIN
+
+class ZelLiveUnit {
+ public:
+  explicit ZelLiveUnit(std::unique_ptr<ZelVantryUnit> first);
+  ~ZelLiveUnit();
+  ZelLiveUnit(const ZelLiveUnit&) = delete;
+  ZelLiveUnit& operator=(const ZelLiveUnit&) = delete;
+
+  // ---- Main thread.
+  // `value` in the parameter's own units reaches the unit at the next block.
+  void post(int pid, float value) noexcept { mailbox_.post(pid, value); }
+  // Offers `next` (its values already set) to the audio thread, which
+  // plays it from its next block on. A replacement offered earlier and not
+  // taken yet is freed; so is a unit put aside and not collected yet.
+  void replace(std::unique_ptr<ZelVantryUnit> next);
+  // Frees the unit the audio thread put aside, if any.
+  void collect();
+  // Whether a replacement waits or a unit put aside waits to be freed.
+  bool hasLeftovers() const;
+  // With no audio thread running: takes a waiting replacement at once.
+  void settle();
+
+  // ---- Audio thread.
+  // `in` and `out` hold the unit's channel count of pointers to `frames`
+  // samples (any number: the unit cuts long blocks itself).
+  void process(const float* const* in, float* const* out, std::uint32_t frames) noexcept;
+
+  // ---- No audio thread running.
+  ZelVantryUnit& playing() { return *playing_; }
+
+ private:
+  void takeReplacement() noexcept;
+
+  static_assert(std::atomic<ZelVantryUnit*>::is_always_lock_free);
+  ZelParameterMailbox mailbox_;
+  ZelVantryUnit* playing_;                        // audio thread's
+  std::atomic<ZelVantryUnit*> offered_{nullptr};  // main -> audio
+  std::atomic<ZelVantryUnit*> retired_{nullptr};  // audio -> main
+};
+
+ZEL_DSP_NAMESPACE_END
