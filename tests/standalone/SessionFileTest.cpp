@@ -104,7 +104,7 @@ TEST(SessionFile, DamagedOrForeignFilesAreSetAsideAndTheDefaultsUsed) {
   std::string later = valid;
   later.replace(later.find("<integer>1</integer>"), 20, "<integer>2</integer>");
   const std::vector<std::pair<std::string, std::string>> cases = {
-      {"garbage", std::string("\x00\xff\x13 not a plist", 17)},
+      {"garbage", std::string("\x00\xff\x13 not a plist", sizeof "\x00\xff\x13 not a plist" - 1)},
       {"empty", ""},
       {"truncated", valid.substr(0, valid.size() / 2)},
       {"someone else's", "<plist version=\"1.0\"><dict><key>Name</key><string>x</string></dict></plist>"},
