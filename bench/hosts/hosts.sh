@@ -7,6 +7,9 @@
 #   hosts.sh [-n RUNS] [--host jalv.gtk3] [--host jalv.qt5] [--idle S]
 #            [--out DIR] BUNDLE_DIR
 #
+# Hosts: jalv.gtk3 and jalv.qt5 (when installed) unless --host is given;
+# jalv.qt5 embeds X11 editors only with libqt5x11extras5, otherwise it shows
+# its generic sliders: every line says which it showed (ui=own|generic).
 # BUNDLE_DIR is our built vantry.lv2; it goes on LV2_PATH before
 # /usr/lib/lv2. Every run starts the host, then:
 #   map     ms until the host's top-level window is viewable (jalv builds the
@@ -35,7 +38,10 @@ while [ $# -gt 0 ]; do
   esac
 done
 [ -n "${bundle:-}" ] && [ -f "$bundle/manifest.ttl" ] || { echo "hosts.sh: give the built vantry.lv2 folder" >&2; exit 2; }
-[ ${#hosts[@]} -gt 0 ] || hosts=(jalv.gtk3)
+if [ ${#hosts[@]} -eq 0 ]; then
+  hosts=(jalv.gtk3)
+  command -v jalv.qt5 >/dev/null && hosts+=(jalv.qt5)
+fi
 for tool in Xvfb jackd jack_wait jalv.gtk3 lv2ls xdotool xwd convert compare; do
   command -v "$tool" >/dev/null || { echo "hosts.sh: $tool is not installed" >&2; exit 2; }
 done
@@ -147,6 +153,10 @@ measure() {
   fi
   stop "$hpid"
   hpid=''
+  # jalv names the editor it embeds ("UI: URI"; "UI: None" or no line for
+  # its generic sliders).
+  local ui=generic
+  grep -qE '^UI: +[a-z]+:' "$work/host.log" && ui=own
   # Visually complete: the first picture within 1 % of the settled one.
   if [ "$status" = ok ]; then
     local shots final npx ae
@@ -164,7 +174,7 @@ measure() {
     done
     [ "$(convert "$work/final.ppm" -format '%k' info:)" -gt 1 ] || status=blank
   fi
-  echo "host=$host label=$label run=$run status=$status map=$map paint=$paint settle=$settle mem=$hwm cpu=$cpu cs=$cs"
+  echo "host=$host label=$label run=$run status=$status ui=$ui map=$map paint=$paint settle=$settle mem=$hwm cpu=$cpu cs=$cs"
 }
 
 # Rounds: w (warm-up: first loads from disk, caches; left out), then 1..runs,

@@ -22,17 +22,18 @@ function cell(x, b, unit) {
   key = f["host"] SUBSEP f["label"]
   if (!(key in seen)) { seen[key] = 1; order[++rows] = key }
   total[key]++
+  if (f["ui"] != "") ui[key] = f["ui"]
   if (f["status"] != "ok") { bad[key]++; next }
   for (k = 1; k <= nm; k++) if (f[m[k]] != "NA") vals[key, m[k]] = vals[key, m[k]] " " f[m[k]]
 }
 BEGIN { nm = split("map paint settle mem cpu cs", m, " ") }
 END {
   for (r = 1; r <= rows; r++) for (k = 1; k <= nm; k++) med[order[r], m[k]] = median(vals[order[r], m[k]])
-  print "| host | plug-in | runs ok | map ms | paint ms | settle ms | peak MiB | idle CPU % | wake-ups /s |"
-  print "|---|---|---|---|---|---|---|---|---|"
+  print "| host | plug-in | editor | runs ok | map ms | paint ms | settle ms | peak MiB | idle CPU % | wake-ups /s |"
+  print "|---|---|---|---|---|---|---|---|---|---|"
   for (r = 1; r <= rows; r++) {
     key = order[r]; split(key, hl, SUBSEP); base = hl[1] SUBSEP "baseline"
-    line = sprintf("| %s | %s | %d/%d", hl[1], hl[2], total[key] - bad[key], total[key])
+    line = sprintf("| %s | %s | %s | %d/%d", hl[1], hl[2], ui[key], total[key] - bad[key], total[key])
     for (k = 1; k <= nm; k++) line = line " | " (hl[2] == "baseline" ? cell(med[key, m[k]], "") : cell(med[key, m[k]], med[base, m[k]]))
     print line " |"
   }
