@@ -1,5 +1,7 @@
 #include "model/ZelConfig.h"
 
+#include <sys/stat.h>
+
 #include "layout/engine/ZelPluginLayout.h"
 #include "model/ZelDescriptionCheck.h"
 #include "model/ZelFetch.h"
@@ -41,7 +43,15 @@ std::unique_ptr<ZelClump> ZelConfig::makeClump(const ZelPlist& entry, std::int64
 std::unique_ptr<ZelConfig> ZelConfig::configNamed(std::string_view name, const std::string& directory) {
   std::string path = directory;
   if (!path.empty() && path.back() != '/') path += '/';
-  path.append(name).append(".plist");
+  path.append(name);
+  // The bundle ships a binary copy made by the build beside the XML source:
+  // the same description, read several times faster. Without it, the XML.
+  struct stat info {};
+  if (::stat((path + ".bplist").c_str(), &info) == 0 && S_ISREG(info.st_mode)) {
+    ZelConfigLoad binary = loadFile(path + ".bplist", false);
+    if (!binary.config->clumps().empty()) return std::move(binary.config);
+  }
+  path.append(".plist");
   return loadFile(path, false).config;  // the editor shows no diagnostics
 }
 

@@ -45,8 +45,10 @@ class ZelConfig {
   ZelConfig(const ZelConfig&) = delete;
   ZelConfig& operator=(const ZelConfig&) = delete;
 
-  // "<directory>/<name>.plist" (the bundle's resources folder); the empty
-  // model when the file is missing or unreadable. Never null.
+  // "<directory>/<name>.plist" (the bundle's resources folder), or rather
+  // "<name>.bplist" beside it when there is one that loads (the binary copy
+  // the build writes into the LV2 bundle); the empty model when neither
+  // loads. Never null.
   static std::unique_ptr<ZelConfig> configNamed(std::string_view name, const std::string& directory);
   // Load a description file or bytes, with diagnostics (see ZelConfigLoad).
   // `checkKinds` false skips the walk for values of the wrong kind (its

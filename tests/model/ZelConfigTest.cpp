@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
 #include "layout/engine/ZelPluginLayout.h"
 #include "model/ZelFetch.h"
 #include "tests/model/ModelTestSupport.h"
@@ -152,6 +157,29 @@ TEST(ZelConfig, PresetSectionsNeedPresets) {
   ZelConfigLoad with = loadDescription(sections + key("presets", "<dict/>"));
   ASSERT_NE(with.config->presets(), nullptr);
   EXPECT_TRUE(with.config->categorizedPresets().isDictionary());
+}
+
+TEST(ZelConfig, TheBinaryCopyIsPreferredWhenItLoads) {
+  namespace fs = std::filesystem;
+  const fs::path data = fs::path(ZEL_TEST_DATA_DIR) / "model";
+  const fs::path dir = fs::path(::testing::TempDir()) / ("zel-config-named-" + std::to_string(::getpid()));
+  fs::remove_all(dir);
+  fs::create_directories(dir);
+  auto write = [&](const char* name, const std::string& text) { std::ofstream(dir / name, std::ios::binary) << text; };
+
+  // Only the binary copy.
+  fs::copy_file(data / "tiny.bplist", dir / "config.bplist");
+  EXPECT_EQ(ZelConfig::configNamed("config", dir.string())->metadata().pluginName, "Tiny");
+
+  // Both: the binary copy wins over an XML that says otherwise.
+  write("config.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict/></plist>");
+  EXPECT_EQ(ZelConfig::configNamed("config", dir.string())->numParameters(), 2);
+
+  // A binary copy that does not load: the XML.
+  write("config.bplist", "bplist00 not really");
+  fs::copy_file(data / "tiny.plist", dir / "config.plist", fs::copy_options::overwrite_existing);
+  EXPECT_EQ(ZelConfig::configNamed("config", dir.string())->metadata().pluginName, "Tiny");
+  fs::remove_all(dir);
 }
 
 TEST(ZelConfig, MissingFileGivesTheEmptyModel) {
