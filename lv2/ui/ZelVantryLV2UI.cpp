@@ -169,6 +169,9 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   ui->view_->setAU(ui->connection_.get());
   ui->connection_->requestState();
   ui->host_->show();
+  // The first frame is drawn now, before the host shows its window: the
+  // host's first idle call after that only copies it.
+  ui->host_->pump();
   *widget = reinterpret_cast<LV2UI_Widget>(ui->host_->xWindow());
   return ui.release();
 }

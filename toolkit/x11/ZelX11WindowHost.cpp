@@ -210,14 +210,19 @@ void ZelX11WindowHost::handleConfigure(int width, int height) {
 
 // ---- Showing and focus.
 
+// Asked to map, the window counts as mapped at once (an UnmapNotify says
+// otherwise), so the next pump draws the first frame into the back buffer
+// while the host is still mapping its own window.
 void ZelX11WindowHost::show() {
   XMapWindow(display(), xWindow_);
   XFlush(display());
+  mapped_ = true;
 }
 
 void ZelX11WindowHost::hide() {
   XUnmapWindow(display(), xWindow_);
   XFlush(display());
+  mapped_ = false;
 }
 
 // A click in a window without the keyboard: take it. Embedded, this takes
