@@ -320,12 +320,13 @@ bool ZelKeyboardHandler::keyboardShortcutHandlePaste() {
 bool ZelKeyboardHandler::applyURLEncodedPreset(std::string_view text) {
   const std::optional<ZelParameterURLQuery> query = ZelParseParameterURL(text, ZelNumberParser::user());
   if (!query || !ui_ || !config_) return false;
-  // Everything not named is reset (the power too); "x" keeps a value.
+  // Everything not named is reset (the power too); "x" keeps a value only
+  // under the key copy writes for it: the minimal name, or the code name of
+  // a parameter without one.
   for (ZelParameterControl* control : std::vector<ZelParameterControl*>(ui_->parameterControls())) {
     const ZelParameter* p = control->parameter();
     if (!p) continue;
-    const ZelParameterURLEntry* entry = p->minimalName.empty() ? nullptr : query->find(p->minimalName);
-    if (!entry) entry = query->find(p->codesafeName);
+    const ZelParameterURLEntry* entry = query->find(p->minimalName.empty() ? p->codesafeName : p->minimalName);
     if (!entry || !entry->keeps()) ui_->notifyParameter(*p, p->initialValue);
   }
   for (const ZelParameterURLEntry& entry : query->entries) {

@@ -118,6 +118,39 @@ TEST(ZelKeyboardHandler, CopyWritesChangedValuesAndPasteResetsTheRest) {
   EXPECT_EQ(h.control("Width").floatValue(), 40);
 }
 
+// "x" keeps a value only under the key copy writes for the parameter: its
+// minimal name ("a" for A), or its code name when it has no minimal name
+// (B). The code name of a parameter with a minimal name resets it; a number
+// is taken under either name.
+TEST(ZelKeyboardHandler, PasteKeepsAValueOnlyUnderItsCopiedKey) {
+  EditorHarness h(SmallConfig());
+  ZelKeyboardHandler& keys = h.ui->keyboard();
+  auto setUp = [&] {
+    h.userSets("A", 55);
+    h.userSets("B", 20);
+    h.run(0.1);
+  };
+  setUp();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "/?A:x/B:x"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 10);  // reset: "A" is not its copied key
+  EXPECT_EQ(h.control("B").floatValue(), 20);  // kept: B has no minimal name
+
+  setUp();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "?a=x&b=x"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 55);
+  EXPECT_EQ(h.control("B").floatValue(), 0);  // "b" names nothing
+
+  setUp();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "/?A:x/a:30"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 30);
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "/?A:42"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 42);
+}
+
 TEST(ZelKeyboardHandler, BadPastesChangeNothingAndAMegabyteIsBounded) {
   EditorHarness h(SmallConfig());
   ZelKeyboardHandler& keys = h.ui->keyboard();
