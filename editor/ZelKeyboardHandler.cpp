@@ -1,6 +1,8 @@
 #include "editor/ZelKeyboardHandler.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -329,9 +331,11 @@ bool ZelKeyboardHandler::applyURLEncodedPreset(std::string_view text) {
     const ZelParameterURLEntry* entry = query->find(p->minimalName.empty() ? p->codesafeName : p->minimalName);
     if (!entry || !entry->keeps()) ui_->notifyParameter(*p, p->initialValue);
   }
+  // A value outside the parameter's range (hand-edited text, another
+  // version's) is taken at the nearest end; not a number is left out.
   for (const ZelParameterURLEntry& entry : query->entries) {
     const ZelParameter* p = entry.keeps() ? nullptr : config_->parameterForCodename(entry.name);
-    if (p) ui_->notifyParameter(*p, *entry.number);
+    if (p && !std::isnan(*entry.number)) ui_->notifyParameter(*p, std::clamp(*entry.number, p->minValue, p->maxValue));
   }
   return true;
 }

@@ -151,6 +151,26 @@ TEST(ZelKeyboardHandler, PasteKeepsAValueOnlyUnderItsCopiedKey) {
   EXPECT_EQ(h.control("A").floatValue(), 42);
 }
 
+// Pasted values outside a parameter's range (found by fuzz_paste: "Mode=4"
+// reached the host as 4) are taken at the nearest end before anything is
+// told; the host never hears a value its parameter cannot hold.
+TEST(ZelKeyboardHandler, PastedValuesOutsideTheRangeAreClampedBeforeTheHostHearsThem) {
+  EditorHarness h(SmallConfig());
+  ZelKeyboardHandler& keys = h.ui->keyboard();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "?a=150&B=-7&Mode=4&Width=1e999"));
+  h.run(0.1);
+  for (const RecordingHost::Update& u : h.host.updates) {
+    const ZelParameter* p = h.config().parameterForPid(u.pid);
+    ASSERT_NE(p, nullptr);
+    EXPECT_GE(u.value, p->minValue) << p->codesafeName;
+    EXPECT_LE(u.value, p->maxValue) << p->codesafeName;
+  }
+  EXPECT_EQ(h.control("A").floatValue(), 100);
+  EXPECT_EQ(h.control("B").floatValue(), 0);
+  EXPECT_EQ(h.control("Mode").floatValue(), 2);
+  EXPECT_EQ(h.control("Width").floatValue(), 100);
+}
+
 TEST(ZelKeyboardHandler, BadPastesChangeNothingAndAMegabyteIsBounded) {
   EditorHarness h(SmallConfig());
   ZelKeyboardHandler& keys = h.ui->keyboard();
