@@ -1,6 +1,8 @@
 #include "editor/ZelKeyboardHandler.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -320,17 +322,20 @@ bool ZelKeyboardHandler::keyboardShortcutHandlePaste() {
 bool ZelKeyboardHandler::applyURLEncodedPreset(std::string_view text) {
   const std::optional<ZelParameterURLQuery> query = ZelParseParameterURL(text, ZelNumberParser::user());
   if (!query || !ui_ || !config_) return false;
-  // Everything not named is reset (the power too); "x" keeps a value.
+  // Everything not named is reset (the power too); "x" keeps a value only
+  // under the key copy writes for it: the minimal name, or the code name of
+  // a parameter without one.
   for (ZelParameterControl* control : std::vector<ZelParameterControl*>(ui_->parameterControls())) {
     const ZelParameter* p = control->parameter();
     if (!p) continue;
-    const ZelParameterURLEntry* entry = p->minimalName.empty() ? nullptr : query->find(p->minimalName);
-    if (!entry) entry = query->find(p->codesafeName);
+    const ZelParameterURLEntry* entry = query->find(p->minimalName.empty() ? p->codesafeName : p->minimalName);
     if (!entry || !entry->keeps()) ui_->notifyParameter(*p, p->initialValue);
   }
+  // A value outside the parameter's range (hand-edited text, another
+  // version's) is taken at the nearest end; not a number is left out.
   for (const ZelParameterURLEntry& entry : query->entries) {
     const ZelParameter* p = entry.keeps() ? nullptr : config_->parameterForCodename(entry.name);
-    if (p) ui_->notifyParameter(*p, *entry.number);
+    if (p && !std::isnan(*entry.number)) ui_->notifyParameter(*p, std::clamp(*entry.number, p->minValue, p->maxValue));
   }
   return true;
 }

@@ -1,5 +1,6 @@
 #include "host/ZelHostView.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -134,6 +135,8 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
   runLoop_.cancelAllForTarget(this);
   unit_ = unit;
   outgoing_.fill(kNothingOutstanding);
+  gestures_.fill(0);
+  deliveryPending_.fill(false);
   if (!unit_) return;
 
   setWantsLayer(true);
@@ -273,10 +276,26 @@ void ZelHostView::applyZoom(double zoom) {
 
 void ZelHostView::parameterListener(const void* sender, std::uint32_t pid, float value) {
   (void)sender;
+  if (pid >= kParameterCount) {
+    runLoop_.schedule(0, [this, pid, value] { deliver(pid, value); }, ZelCallKey{this, kDeliver});
+    return;
+  }
   // The echo of the editor's own last change consumes its mark; the value
-  // is delivered either way.
-  if (pid < kParameterCount && outgoing_[pid] == value) outgoing_[pid] = kNothingOutstanding;
-  runLoop_.schedule(0, [this, pid, value] { deliver(pid, value); }, ZelCallKey{this, kDeliver});
+  // is delivered either way, unless the user is dragging that control.
+  if (outgoing_[pid] == value) outgoing_[pid] = kNothingOutstanding;
+  if (gestures_[pid] > 0) return;
+  // A flood of reports costs one delivery per id and run-loop turn: the
+  // latest value.
+  pendingValue_[pid] = value;
+  if (deliveryPending_[pid]) return;
+  deliveryPending_[pid] = true;
+  runLoop_.schedule(
+      0,
+      [this, pid] {
+        deliveryPending_[pid] = false;
+        if (gestures_[pid] == 0) deliver(pid, pendingValue_[pid]);
+      },
+      ZelCallKey{this, kDeliver});
 }
 
 void ZelHostView::deliver(std::uint32_t pid, float value) {
@@ -319,11 +338,16 @@ void ZelHostView::interfaceUpdatedParameterKeyed(ZelGenericUI& ui, std::int64_t 
 
 void ZelHostView::interfaceBeganInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
   (void)ui;
+  if (key >= 0 && key < static_cast<std::int64_t>(kParameterCount)) ++gestures_[static_cast<std::size_t>(key)];
   if (key >= 0) notifyEventType(ZelUnitGesture::Begin, static_cast<std::uint32_t>(key));
 }
 
 void ZelHostView::interfaceEndedInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
   (void)ui;
+  if (key >= 0 && key < static_cast<std::int64_t>(kParameterCount)) {
+    int& open = gestures_[static_cast<std::size_t>(key)];
+    open = std::max(open - 1, 0);
+  }
   if (key >= 0) notifyEventType(ZelUnitGesture::End, static_cast<std::uint32_t>(key));
 }
 

@@ -10,7 +10,11 @@
 // the linear position 20-20000), the editor its own units (hertz); the
 // fixed parameter table generated from the description (ids 0-11) says how
 // each id converts and clamps. Ids above 11 reach the editor as 0 and are
-// not sent to the unit.
+// not sent to the unit. Between the editor's begin and end of a gesture on
+// an id, the unit's reports for it are dropped (the user's drag is never
+// pulled back by an echo or automation); reports reach the editor on the
+// next run-loop turn, the latest value per id only, so a host's flood costs
+// one update per id and turn.
 //
 // Failed unit calls are logged, one line each, through the log sink
 // (stderr by default), and the work goes on with what was obtained.
@@ -148,6 +152,15 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   ZelWindow* observedWindow_ = nullptr;
   std::string lastPreset_;
   std::array<float, kParameterCount> outgoing_{};
+  // Gestures the editor has begun and not ended, per id: while one is open
+  // the user's value stands and what the unit reports for that id (its echo
+  // or a host's late or automated value) is dropped, so the control under
+  // the pointer is never pulled back.
+  std::array<int, kParameterCount> gestures_{};
+  // The unit's latest value per id waiting for the run loop; one delivery
+  // per id is pending at a time, however many reports arrive before it.
+  std::array<float, kParameterCount> pendingValue_{};
+  std::array<bool, kParameterCount> deliveryPending_{};
   ZelSketchFactory sketchFactory_;
   std::function<void(std::string_view)> logSink_;
   std::function<void(double)> zoomHandler_;

@@ -33,16 +33,16 @@ using Clock = std::chrono::steady_clock;
 
 double msSince(Clock::time_point t) { return std::chrono::duration<double, std::milli>(Clock::now() - t).count(); }
 
+constexpr size_t kMinimumAtomBytes = 65536;
+
+}  // namespace
+
 long residentKiB() {
   std::ifstream statm("/proc/self/statm");
   long size = 0, resident = 0;
   statm >> size >> resident;
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
-
-constexpr size_t kMinimumAtomBytes = 65536;
-
-}  // namespace
 
 // ---------------------------------------------------------------- URIDs
 
@@ -322,6 +322,12 @@ void PluginSlot::sendToUi(Port& p) {
 
 void PluginSlot::sendAllControlsToUi() {
   for (Port& p : ports_) sendToUi(p);
+}
+
+bool PluginSlot::sendValueToUi(const Port& p, float value) {
+  if (!ui_ || p.kind != PortKind::Control) return false;
+  suil_instance_port_event(ui_, p.index, sizeof(float), 0, &value);
+  return true;
 }
 
 void PluginSlot::setControl(Port& p, float value) {

@@ -52,6 +52,9 @@ struct LogLine {
 };
 
 // The world: lilv, the URID table, the log every plug-in and UI writes to.
+// The process's resident memory in KiB (/proc/self/statm).
+long residentKiB();
+
 class HostWorld {
 public:
   explicit HostWorld(const HostSettings& settings);
@@ -161,6 +164,9 @@ public:
   std::vector<Port>& ports() { return ports_; }
   // The host changes an input control: the float, and the UI hears of it.
   void setControl(Port& port, float value);
+  // A port_event of `value` for a control port, the port's float untouched
+  // (the flood's automation and late echoes); false without a UI.
+  bool sendValueToUi(const Port& port, float value);
 
   // State: a snapshot in memory, and restoring one into a fresh instance
   // (the UI is re-created if it was open). Empty on success.

@@ -60,6 +60,7 @@ int HostRunner::run(const std::vector<Command>& commands) {
     }
     std::fflush(stdout);
   }
+  stopFlood();
   return failures_ ? 1 : 0;
 }
 
@@ -118,8 +119,67 @@ void HostRunner::printUiReport(const PluginSlot& s, const UiOpenReport& r) {
 }
 
 void HostRunner::pumpOnce() {
-  for (auto& s : slots_) s->idle();
+  if (flood_.rate <= 0) {
+    for (auto& s : slots_) s->idle();
+  } else {
+    const auto now = Clock::now();
+    flood_.owed += flood_.rate * std::chrono::duration<double>(now - flood_.last).count();
+    flood_.last = now;
+    // Never more than a tenth of a second's worth at once (after a stall).
+    const double perPort = std::min(std::floor(flood_.owed), std::ceil(flood_.rate / 10));
+    flood_.owed = std::max(0.0, flood_.owed - perPort);
+    std::vector<float> values;
+    for (auto& s : slots_)
+      for (const Port& p : s->ports())
+        if (p.kind == PortKind::Control && p.input) values.push_back(p.value);
+    flood_.history.emplace_back(now, std::move(values));
+    while (flood_.history.size() > 1 && flood_.history[1].first <= now - flood_.lag) flood_.history.erase(flood_.history.begin());
+    for (size_t i = 0; i < slots_.size(); ++i) {
+      PluginSlot& s = *slots_[i];
+      const auto start = Clock::now();
+      const std::uint64_t sent = floodOnce(s, i, perPort);
+      s.idle();
+      if (s.uiOpen()) flood_.frameUs.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
+      flood_.events += sent;
+    }
+  }
   if (x11_.isOpen()) x11_.drain();
+}
+
+std::uint64_t HostRunner::floodOnce(PluginSlot& s, std::size_t slotIndex, double perPort) {
+  if (!s.uiOpen() || perPort < 1) return 0;
+  // The oldest round kept is the latest one at least `lag` old.
+  const std::vector<float>& late = flood_.history.front().second;
+  std::size_t at = 0;  // this slot's first value in a round's list
+  for (std::size_t i = 0; i < slotIndex; ++i)
+    for (const Port& p : slots_[i]->ports()) at += p.kind == PortKind::Control && p.input;
+  std::uint64_t sent = 0;
+  for (const Port& p : s.ports()) {
+    if (p.kind != PortKind::Control || !p.input) continue;
+    const float value = at < late.size() ? late[at] : p.value;
+    ++at;
+    for (double k = 0; k < perPort; ++k) sent += s.sendValueToUi(p, value);
+  }
+  return sent;
+}
+
+void HostRunner::stopFlood() {
+  if (flood_.rate <= 0) return;
+  const double ms = std::chrono::duration<double, std::milli>(Clock::now() - flood_.start).count();
+  std::size_t ports = 0;
+  for (auto& s : slots_)
+    if (s->uiOpen())
+      for (const Port& p : s->ports()) ports += p.kind == PortKind::Control && p.input;
+  std::printf("flood: %llu port events over %.0f ms (%.0f per second and port)", static_cast<unsigned long long>(flood_.events),
+              ms, ports && ms > 0 ? double(flood_.events) / double(ports) / (ms / 1000) : 0.0);
+  std::vector<double>& us = flood_.frameUs;
+  if (!us.empty()) {
+    std::sort(us.begin(), us.end());
+    std::printf("; frame (events and idle) median %.1f us, 90%% %.1f us, max %.1f us over %zu rounds", us[us.size() / 2],
+                us[us.size() * 9 / 10], us.back(), us.size());
+  }
+  std::printf("\n");
+  flood_ = Flood{};
 }
 
 void HostRunner::pump(int rounds) {
@@ -244,6 +304,13 @@ void HostRunner::execute(const Command& c) {
     std::sort(us.begin(), us.end());
     std::printf("idle: median %.1f us, 90%% %.1f us, max %.1f us over %d calls\n", us[us.size() / 2],
                 us[us.size() * 9 / 10], us.back(), rounds);
+  } else if (n == "flood") {
+    stopFlood();
+    if (count(a[0]) > 0) {
+      flood_.rate = count(a[0]);
+      flood_.lag = std::chrono::milliseconds(a.size() > 1 ? count(a[1]) : 0);
+      flood_.start = flood_.last = Clock::now();
+    }
   } else if (n == "run") {
     slot();
     for (auto& s : slots_) s->run(static_cast<uint32_t>(count(a[0])));
@@ -311,6 +378,25 @@ void HostRunner::execute(const Command& c) {
       fail(c, "touch on " + a[0] + ": " + std::to_string(begins) + " begin, " + std::to_string(ends) +
                   " end; expected a begin before the first write and an end after the last");
     }
+  } else if (n == "expect-monotonic-writes") {
+    const Port& p = controlPort(a[0], true);
+    int direction = 0;  // +1 rising, -1 falling, once known
+    float last = 0;
+    bool seen = false;
+    for (const UiWrite& w : slot().writes()) {
+      if (w.port != p.index || w.protocol != 0) continue;
+      if (seen && w.value != last) {
+        const int step = w.value > last ? 1 : -1;
+        if (direction && step != direction) {
+          fail(c, "the UI's writes to " + a[0] + " turned back at " + show(last) + " -> " + show(w.value));
+          return;
+        }
+        direction = step;
+      }
+      last = w.value;
+      seen = true;
+    }
+    if (!seen) fail(c, "the UI wrote nothing to " + a[0]);
   } else if (n == "clear-writes") {
     slot().writes().clear();
     slot().touches().clear();
@@ -482,6 +568,8 @@ void HostRunner::execute(const Command& c) {
     if (HostX11::errorCount() != count(a[0]))
       fail(c, std::to_string(HostX11::errorCount()) + " X errors" +
                   (HostX11::errorCount() ? ", the last: " + HostX11::lastError() : std::string()));
+  } else if (n == "print-memory") {
+    std::printf("memory: %ld KiB resident\n", residentKiB());
   } else if (n == "print") {
     std::printf("%s\n", a.empty() ? "" : a[0].c_str());
   } else {

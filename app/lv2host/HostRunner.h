@@ -8,6 +8,8 @@
 #include "app/lv2host/HostX11.h"
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -51,7 +53,24 @@ private:
   std::vector<const LilvNode*> presets(LilvNodes*& owner);
   int checkStateValues(const Command& c, const LilvState* state, PluginSlot& s);
 
+  // The flood command: port_events on every input control of every open UI
+  // at `rate` per second and port, each with the value of `lag` ago.
+  struct Flood {
+    double rate = 0;
+    std::chrono::milliseconds lag{0};
+    std::chrono::steady_clock::time_point start, last;
+    double owed = 0;  // events per port not yet sent (fractions carry over)
+    std::uint64_t events = 0;
+    std::vector<double> frameUs;  // per UI and round: the flood's events plus the idle call
+    // Every input control's value per round, for the late values.
+    std::vector<std::pair<std::chrono::steady_clock::time_point, std::vector<float>>> history;
+  };
+  // Sends what the flood owes `s` since the last round; the events' count.
+  std::uint64_t floodOnce(PluginSlot& s, std::size_t slotIndex, double perPort);
+  void stopFlood();
+
   HostWorld& world_;
+  Flood flood_;
   HostX11 x11_;
   std::vector<std::unique_ptr<PluginSlot>> slots_;
   size_t current_ = 0;

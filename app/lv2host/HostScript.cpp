@@ -26,6 +26,7 @@ constexpr Syntax kCommands[] = {
     {"idle", "i", "idle N"},
     {"wait", "i", "wait MS"},
     {"measure-idle", "i", "measure-idle N"},
+    {"flood", "i?i", "flood RATE [LAG_MS]"},
     {"run", "i", "run FRAMES"},
     {"signal", "w?nn", "signal silence | signal sine HZ [AMPLITUDE]"},
     {"set", "wn", "set SYMBOL VALUE"},
@@ -34,6 +35,7 @@ constexpr Syntax kCommands[] = {
     {"expect-no-writes", "?w", "expect-no-writes [SYMBOL]"},
     {"expect-atoms", "wi", "expect-atoms SYMBOL MIN"},
     {"expect-touch", "w", "expect-touch SYMBOL"},
+    {"expect-monotonic-writes", "w", "expect-monotonic-writes SYMBOL"},
     {"clear-writes", "", "clear-writes"},
     {"print-writes", "", "print-writes"},
     {"print-ports", "", "print-ports"},
@@ -56,6 +58,7 @@ constexpr Syntax kCommands[] = {
     {"expect-presets-load", "", "expect-presets-load"},
     {"expect-x-errors", "i", "expect-x-errors N"},
     {"print", "?t", "print TEXT"},
+    {"print-memory", "", "print-memory"},
 };
 
 const Syntax* findCommand(const std::string& name) {

@@ -260,6 +260,47 @@ TEST(HostView, GesturesThemeAndPresetName) {
   EXPECT_NEAR(f.shown("HighCut"), 3400.0f, 0.5f);
 }
 
+// While the user drags a control, what the unit reports for it (a late echo
+// or a host's automation, however many) never pulls the control back; the
+// other controls follow the host meanwhile, and once the drag ends the
+// host's values reach the control again. A flood of reports on one id lands
+// as its latest value.
+TEST(HostView, ADraggedControlIsNotPulledBackByTheHost) {
+  Fixture f;
+  f.runUntil(0.2);
+  ZelFloatControl* degrade = f.ui().parameterControlWithCodename("Degrade")->primaryControl();
+  f.view->interfaceBeganInteractionWithParameterKeyed(f.ui(), 1);
+  for (float v : {10.0f, 20.0f, 30.0f, 40.0f}) {
+    degrade->setFloatValue(v);
+    degrade->reportInterfaceInitiatedValueChange();
+    for (int i = 0; i < 50; ++i) f.unit.hostSets(1, v - 10);  // the host lags one step behind
+    f.unit.hostSets(2, v);
+    f.runUntil(f.clock.now() + 0.016);
+    EXPECT_EQ(f.shown("Degrade"), v);
+    EXPECT_EQ(f.ui().memoizedPValues()[1], v);
+    EXPECT_EQ(f.shown("Drive"), v) << "another control follows the host during the drag";
+  }
+  EXPECT_EQ(f.unit.values[1], 30.0f) << "the unit holds the host's last word";
+  f.view->interfaceEndedInteractionWithParameterKeyed(f.ui(), 1);
+  f.runUntil(f.clock.now() + 0.016);
+  EXPECT_EQ(f.shown("Degrade"), 40.0f) << "nothing reported during the drag arrives after it";
+  EXPECT_EQ(f.report(1, 25), 25.0f) << "after the drag the host's values count again";
+
+  // An end without a begin does not leave the control deaf.
+  f.view->interfaceEndedInteractionWithParameterKeyed(f.ui(), 1);
+  EXPECT_EQ(f.report(1, 26), 26.0f);
+
+  // A host's flood (10,000 reports a second on every id froze the editor when
+  // each report was a delivery of its own): one pending delivery per id.
+  const std::size_t pending = f.loop.pendingCount();
+  for (int i = 0; i <= 1000; ++i)
+    for (std::uint32_t pid = 1; pid < 12; ++pid) f.unit.hostSets(pid, f.unit.values[pid]);
+  for (int i = 0; i <= 1000; ++i) f.unit.hostSets(3, -24.0f + float(i % 48));
+  EXPECT_LE(f.loop.pendingCount(), pending + 11);
+  f.runUntil(f.clock.now() + 0.016);
+  EXPECT_EQ(f.shown("Output"), -24.0f + float(1000 % 48));
+}
+
 TEST(HostView, APresetChosenInTheHostReachesThePresetBar) {
   Fixture f;
   f.runUntil(1.0);  // the values are in and checked against the first preset: clean

@@ -118,6 +118,59 @@ TEST(ZelKeyboardHandler, CopyWritesChangedValuesAndPasteResetsTheRest) {
   EXPECT_EQ(h.control("Width").floatValue(), 40);
 }
 
+// "x" keeps a value only under the key copy writes for the parameter: its
+// minimal name ("a" for A), or its code name when it has no minimal name
+// (B). The code name of a parameter with a minimal name resets it; a number
+// is taken under either name.
+TEST(ZelKeyboardHandler, PasteKeepsAValueOnlyUnderItsCopiedKey) {
+  EditorHarness h(SmallConfig());
+  ZelKeyboardHandler& keys = h.ui->keyboard();
+  auto setUp = [&] {
+    h.userSets("A", 55);
+    h.userSets("B", 20);
+    h.run(0.1);
+  };
+  setUp();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "/?A:x/B:x"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 10);  // reset: "A" is not its copied key
+  EXPECT_EQ(h.control("B").floatValue(), 20);  // kept: B has no minimal name
+
+  setUp();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "?a=x&b=x"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 55);
+  EXPECT_EQ(h.control("B").floatValue(), 0);  // "b" names nothing
+
+  setUp();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "/?A:x/a:30"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 30);
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "/?A:42"));
+  h.run(0.1);
+  EXPECT_EQ(h.control("A").floatValue(), 42);
+}
+
+// Pasted values outside a parameter's range (found by fuzz_paste: "Mode=4"
+// reached the host as 4) are taken at the nearest end before anything is
+// told; the host never hears a value its parameter cannot hold.
+TEST(ZelKeyboardHandler, PastedValuesOutsideTheRangeAreClampedBeforeTheHostHearsThem) {
+  EditorHarness h(SmallConfig());
+  ZelKeyboardHandler& keys = h.ui->keyboard();
+  EXPECT_TRUE(keys.applyURLEncodedPreset(kBase + "?a=150&B=-7&Mode=4&Width=1e999"));
+  h.run(0.1);
+  for (const RecordingHost::Update& u : h.host.updates) {
+    const ZelParameter* p = h.config().parameterForPid(u.pid);
+    ASSERT_NE(p, nullptr);
+    EXPECT_GE(u.value, p->minValue) << p->codesafeName;
+    EXPECT_LE(u.value, p->maxValue) << p->codesafeName;
+  }
+  EXPECT_EQ(h.control("A").floatValue(), 100);
+  EXPECT_EQ(h.control("B").floatValue(), 0);
+  EXPECT_EQ(h.control("Mode").floatValue(), 2);
+  EXPECT_EQ(h.control("Width").floatValue(), 100);
+}
+
 TEST(ZelKeyboardHandler, BadPastesChangeNothingAndAMegabyteIsBounded) {
   EditorHarness h(SmallConfig());
   ZelKeyboardHandler& keys = h.ui->keyboard();

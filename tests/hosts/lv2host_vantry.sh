@@ -2,7 +2,8 @@
 # Vantry in our own LV2 test host (zel-lv2-host: lilv and suil, XTest input,
 # an Xvfb of its own): the scripts in vantry/ must pass; the screenshots
 # they take show the restored preset name and theme; the editor asks for
-# 480 x 380 times each scale factor; 50 open/close cycles and two instances
+# 480 x 380 times each scale factor; a flood of host values during a drag
+# (flood.lv2s) fights nothing; 50 open/close cycles and two instances
 # (one closed while the other works) leave no X errors. Prints the host's
 # measurements (first paint, idle cost, memory). Runs with a private HOME.
 #   lv2host_vantry.sh ZEL_LV2_HOST BUNDLE_DIR OUT_DIR
@@ -32,7 +33,7 @@ run() {
   fi
 }
 
-for script in editor state mono; do
+for script in editor state mono flood; do
   run "$script" <"$here/vantry/$script.lv2s"
 done
 
@@ -75,5 +76,6 @@ run cycles <"$work/cycles.lv2s"
 
 # What a musician waits for and what idling costs.
 grep -h -E "^ui .*first paint|^idle:" "$work/editor.out"
-[ $failed -eq 0 ] && echo "zel-lv2-host: editor, presets and state, mono, scales 1-2, 50 cycles and two instances pass"
+grep -h "^flood:" "$work/flood.out"
+[ $failed -eq 0 ] && echo "zel-lv2-host: editor, presets and state, mono, an automation flood, scales 1-2, 50 cycles and two instances pass"
 exit $failed
