@@ -137,6 +137,7 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
   outgoing_.fill(kNothingOutstanding);
   gestures_.fill(0);
   deliveryPending_.fill(false);
+  heldDuringGesture_.fill(false);
   if (!unit_) return;
 
   setWantsLayer(true);
@@ -283,17 +284,25 @@ void ZelHostView::parameterListener(const void* sender, std::uint32_t pid, float
   // The echo of the editor's own last change consumes its mark; the value
   // is delivered either way, unless the user is dragging that control.
   if (outgoing_[pid] == value) outgoing_[pid] = kNothingOutstanding;
-  if (gestures_[pid] > 0) return;
-  // A flood of reports costs one delivery per id and run-loop turn: the
-  // latest value.
   pendingValue_[pid] = value;
+  if (gestures_[pid] > 0) {
+    heldDuringGesture_[pid] = true;
+    return;
+  }
+  scheduleDelivery(pid);
+}
+
+// A flood of reports costs one delivery per id and run-loop turn: the
+// latest value.
+void ZelHostView::scheduleDelivery(std::uint32_t pid) {
   if (deliveryPending_[pid]) return;
   deliveryPending_[pid] = true;
   runLoop_.schedule(
       0,
       [this, pid] {
         deliveryPending_[pid] = false;
-        if (gestures_[pid] == 0) deliver(pid, pendingValue_[pid]);
+        if (gestures_[pid] > 0) return;  // a new gesture began meanwhile
+        deliver(pid, pendingValue_[pid]);
       },
       ZelCallKey{this, kDeliver});
 }
@@ -333,6 +342,7 @@ void ZelHostView::interfaceUpdatedParameterKeyed(ZelGenericUI& ui, std::int64_t 
   const auto pid = static_cast<std::uint32_t>(key);
   const float x = unitValueFromEditor(pid, value);
   outgoing_[pid] = x;
+  lastSent_[pid] = x;
   if (ZelUnitStatus s = unit_->setParameter(pid, x, this); s != kZelUnitNoErr) logFailure(242, "native ui set", s);
 }
 
@@ -345,8 +355,14 @@ void ZelHostView::interfaceBeganInteractionWithParameterKeyed(ZelGenericUI& ui, 
 void ZelHostView::interfaceEndedInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
   (void)ui;
   if (key >= 0 && key < static_cast<std::int64_t>(kParameterCount)) {
-    int& open = gestures_[static_cast<std::size_t>(key)];
+    const auto pid = static_cast<std::uint32_t>(key);
+    int& open = gestures_[pid];
     open = std::max(open - 1, 0);
+    if (open == 0 && heldDuringGesture_[pid]) {
+      heldDuringGesture_[pid] = false;
+      pendingValue_[pid] = lastSent_[pid];
+      scheduleDelivery(pid);
+    }
   }
   if (key >= 0) notifyEventType(ZelUnitGesture::End, static_cast<std::uint32_t>(key));
 }

@@ -141,6 +141,7 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   void observeWindow();
   void removeEditor();
   void applyZoom(double zoom);
+  void scheduleDelivery(std::uint32_t pid);
 
   ZelRunLoop& runLoop_;
   std::string resourcesDirectory_;
@@ -161,6 +162,12 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   // per id is pending at a time, however many reports arrive before it.
   std::array<float, kParameterCount> pendingValue_{};
   std::array<bool, kParameterCount> deliveryPending_{};
+  // Reports were dropped during a gesture (the echo of the user's own
+  // values among them): when it ends the user's last value is delivered as
+  // its echo would have been, so the editor applies its rules to it, and
+  // the control stays where the user left it.
+  std::array<bool, kParameterCount> heldDuringGesture_{};
+  std::array<float, kParameterCount> lastSent_{};  // unit representation
   ZelSketchFactory sketchFactory_;
   std::function<void(std::string_view)> logSink_;
   std::function<void(double)> zoomHandler_;

@@ -284,6 +284,7 @@ TEST(HostView, ADraggedControlIsNotPulledBackByTheHost) {
   f.view->interfaceEndedInteractionWithParameterKeyed(f.ui(), 1);
   f.runUntil(f.clock.now() + 0.016);
   EXPECT_EQ(f.shown("Degrade"), 40.0f) << "nothing reported during the drag arrives after it";
+
   EXPECT_EQ(f.report(1, 25), 25.0f) << "after the drag the host's values count again";
 
   // An end without a begin does not leave the control deaf.
@@ -299,6 +300,20 @@ TEST(HostView, ADraggedControlIsNotPulledBackByTheHost) {
   EXPECT_LE(f.loop.pendingCount(), pending + 11);
   f.runUntil(f.clock.now() + 0.016);
   EXPECT_EQ(f.shown("Output"), -24.0f + float(1000 % 48));
+}
+
+TEST(HostView, WhenADragEndsTheEditorHearsItsValueAsTheEchoWouldHaveBrought) {
+  Fixture f;
+  f.runUntil(1.0);
+  ASSERT_FALSE(f.ui().presetBar()->dirty());
+  ZelFloatControl* degrade = f.ui().parameterControlWithCodename("Degrade")->primaryControl();
+  f.view->interfaceBeganInteractionWithParameterKeyed(f.ui(), 1);
+  degrade->setFloatValue(55);
+  degrade->reportInterfaceInitiatedValueChange();  // its echo comes during the drag
+  f.view->interfaceEndedInteractionWithParameterKeyed(f.ui(), 1);
+  f.runUntil(2.0);
+  EXPECT_EQ(f.shown("Degrade"), 55.0f);
+  EXPECT_TRUE(f.ui().presetBar()->dirty()) << "the rules saw the dragged value";
 }
 
 TEST(HostView, APresetChosenInTheHostReachesThePresetBar) {
