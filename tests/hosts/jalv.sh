@@ -11,7 +11,7 @@ bundle=$(realpath "$1")
 out=$(realpath -m "$2")
 . "$(dirname "$(realpath "$0")")/foreign_host.sh"
 skip_if_sanitized "$bundle"
-for tool in Xvfb jackd jalv.gtk3 xdotool xclip xwd convert; do
+for tool in Xvfb xdpyinfo jackd jack_lsp jalv.gtk3 xdotool xclip xwd convert; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
 [ -f "$bundle/manifest.ttl" ] && [ -f "$bundle/vantry_ui.so" ] || { echo "FAIL: no bundle at $bundle"; exit 1; }
@@ -20,9 +20,10 @@ work=$(mktemp -d)
 export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
 mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$out" "$work/lv2"
 cp -r "$bundle" "$work/lv2/vantry.lv2"
-export LV2_PATH=$work/lv2 JACK_DEFAULT_SERVER=vantry-test-$$ JACK_NO_AUDIO_RESERVATION=1
+# One server name for this test: JACK keeps a small table of servers and
+# frees an entry left by a server that died only for the same name.
+export LV2_PATH=$work/lv2 JACK_DEFAULT_SERVER=vantry-jalv-test JACK_NO_AUDIO_RESERVATION=1
 
-display=:$((70 + $$ % 200))
 pids=()
 cleanup() {
   for p in "${pids[@]}"; do kill "$p" 2>/dev/null; done
@@ -33,13 +34,18 @@ trap cleanup EXIT
 failed=0
 fail() { echo "FAIL: $*"; failed=1; }
 
-Xvfb "$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+# A display number no other server uses: Xvfb picks it and tells it.
+Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
 pids+=($!)
-export DISPLAY=$display
-for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.1; done
+[ -s "$work/display" ] || { echo "FAIL: Xvfb did not start"; exit 1; }
+export DISPLAY=:$(head -1 "$work/display")
+for _ in $(seq 200); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+xdpyinfo >/dev/null 2>&1 || { echo "FAIL: Xvfb on $DISPLAY does not answer"; exit 1; }
 jackd --no-realtime -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
 pids+=($!)
-sleep 1.5
+for _ in $(seq 100); do jack_lsp >/dev/null 2>&1 && break; sleep 0.1; done
+jack_lsp >/dev/null 2>&1 || { echo "FAIL: the JACK server did not start"; cat "$work/jackd.log"; exit 1; }
 
 stdbuf -oL jalv.gtk3 --dump "https://www.zel-audio.example/plugins/vantry#stereo" >"$work/jalv.log" 2>&1 &
 jalv=$!
