@@ -73,9 +73,7 @@ float ZelHostView::editorValueFromUnit(std::uint32_t pid, float x) {
   switch (spec.conversion) {
     case Conversion::Switch: v = x == 0 ? 0.0f : 1.0f; break;
     case Conversion::Plain: break;
-    case Conversion::Frequency:
-      v = std::exp(std::log(kFrequencyRatio) * (x - kPositionLow) / kPositionSpan + std::log(kFrequencyLow));
-      break;
+    case Conversion::Frequency: v = hertzFromPosition(x); break;
     case Conversion::WholeNumber: v = wholeNumber(x); break;
   }
   return std::min(std::max(v, spec.minimum), spec.maximum);
@@ -84,6 +82,14 @@ float ZelHostView::editorValueFromUnit(std::uint32_t pid, float x) {
 float ZelHostView::unitValueFromEditor(std::uint32_t pid, float v) {
   if (pid >= kParameterCount) return 0;
   if (parameterTable()[pid].conversion != Conversion::Frequency) return v;
+  return positionFromHertz(v);
+}
+
+float ZelHostView::hertzFromPosition(float x) {
+  return std::exp(std::log(kFrequencyRatio) * (x - kPositionLow) / kPositionSpan + std::log(kFrequencyLow));
+}
+
+float ZelHostView::positionFromHertz(float v) {
   return std::log(v / kFrequencyLow) / std::log(kFrequencyRatio) * kPositionSpan + kPositionLow;
 }
 

@@ -66,6 +66,11 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   static float editorValueFromUnit(std::uint32_t pid, float unitValue);
   // The editor's value as the unit takes it (0 for an id above 11).
   static float unitValueFromEditor(std::uint32_t pid, float editorValue);
+  // The frequency parameters' two representations: hertz on a logarithmic
+  // scale (the editor, the LV2 ports) and the unit's linear position
+  // 20-20000. Unclamped.
+  static float hertzFromPosition(float position);
+  static float positionFromHertz(float hertz);
 
   // Delayed calls go to `runLoop`, which must outlive the view. The
   // description is read as "config" from `resourcesDirectory` (the bundle's

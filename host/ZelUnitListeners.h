@@ -41,12 +41,14 @@ class ZelUnitListeners {
   // Tells every listener of `pid` the value. A listener may create or
   // dispose of listeners while it is told; one disposed of meanwhile is not
   // told.
+  // (By index, without a copy: a host's flood of values comes through here.)
   void tell(const void* sender, std::uint32_t pid, float value) {
-    std::vector<ZelUnitParameterListener*> hearing;
-    for (const Entry& e : entries_)
-      if (e.pids.count(pid)) hearing.push_back(e.listener);
-    for (ZelUnitParameterListener* l : hearing)
-      if (find(l)) l->parameterListener(sender, pid, value);
+    for (std::size_t i = 0; i < entries_.size();) {
+      ZelUnitParameterListener* listener = entries_[i].listener;
+      if (entries_[i].pids.count(pid)) listener->parameterListener(sender, pid, value);
+      // Unless the list moved under us (a dispose), the next one is at i + 1.
+      if (i < entries_.size() && entries_[i].listener == listener) ++i;
+    }
   }
 
  private:

@@ -1,7 +1,7 @@
 #include "app/common/ZelEditorSession.h"
 
 #include "model/ZelConfig.h"
-#include "sketch/ZelVantryParameterSketch.h"
+#include "host/ZelHostView.h"
 
 ZEL_NAMESPACE_BEGIN
 
@@ -15,7 +15,7 @@ ZelEditorSession::ZelEditorSession(ZelWindow& window, std::unique_ptr<ZelConfig>
     : window_(window),
       config_(std::move(config)),
       unit_(std::make_unique<ZelStandInUnit>(window.runLoop(), *config_)),
-      sketchFactory_(productSketchFactory()) {}
+      sketchFactory_(ZelHostView::productSketchFactory()) {}
 
 ZelEditorSession::~ZelEditorSession() {
   close();
@@ -25,13 +25,6 @@ ZelEditorSession::~ZelEditorSession() {
 CGSize ZelEditorSession::editorSizeFor(const ZelConfig& config) {
   const CGSize size = config.preferredSize();
   return size.width > 0 && size.height > 0 ? size : kDefaultEditorSize;
-}
-
-ZelSketchFactory ZelEditorSession::productSketchFactory() {
-  return [](CGRect frame, const ZelConfig& config) -> std::unique_ptr<ZelParameterSketch> {
-    if (!config.metadata().hasParameterSketch) return nullptr;
-    return std::make_unique<ZelVantryParameterSketch>(frame, &config);
-  };
 }
 
 void ZelEditorSession::open() {

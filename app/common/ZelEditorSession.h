@@ -62,8 +62,6 @@ class ZelEditorSession {
 
   // The description's size, or 480 × 380 when it gives none.
   static CGSize editorSizeFor(const ZelConfig& config);
-  // The product's sketch for a description that asks for one.
-  static ZelSketchFactory productSketchFactory();
 
  private:
   void windowKeyDidChange(bool key);

@@ -573,7 +573,7 @@ void HostRunner::execute(const Command& c) {
   } else if (n == "print") {
     std::printf("%s\n", a.empty() ? "" : a[0].c_str());
   } else {
-    stop(2, "'" + n + "' is not implemented");
+    stop(2, "no handler for the command '" + n + "' (the parser and the runner disagree)");
   }
 }
 

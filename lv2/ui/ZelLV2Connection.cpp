@@ -9,6 +9,7 @@
 #include <lv2/patch/patch.h>
 
 #include "dsp/ZelVantryParameterTable.h"
+#include "host/ZelHostView.h"
 
 ZEL_NAMESPACE_BEGIN
 
@@ -16,8 +17,6 @@ namespace {
 
 using namespace zel_vantry_lv2;
 
-constexpr float kPositionLow = 20, kPositionSpan = 19980;
-constexpr float kFrequencyLow = 20, kFrequencyRatio = 1000;
 
 bool isFrequency(std::uint32_t pid) {
   return pid < kControlPortCount && kZelParameters[pid].kind == ZelParameterKind::Frequency;
@@ -27,12 +26,12 @@ bool isFrequency(std::uint32_t pid) {
 
 float ZelLV2Connection::unitValueFromPort(std::uint32_t pid, float hz) {
   if (!isFrequency(pid)) return hz;
-  return std::log(std::max(hz, 1e-6f) / kFrequencyLow) / std::log(kFrequencyRatio) * kPositionSpan + kPositionLow;
+  return ZelHostView::positionFromHertz(std::max(hz, 1e-6f));
 }
 
 float ZelLV2Connection::portValueFromUnit(std::uint32_t pid, float x) {
   if (!isFrequency(pid)) return x;
-  return std::exp(std::log(kFrequencyRatio) * (x - kPositionLow) / kPositionSpan + std::log(kFrequencyLow));
+  return ZelHostView::hertzFromPosition(x);
 }
 
 ZelLV2Connection::ZelLV2Connection(LV2UI_Write_Function write, LV2UI_Controller controller, LV2_URID_Map* map,

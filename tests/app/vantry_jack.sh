@@ -36,13 +36,8 @@ trap cleanup EXIT
 failed=0
 fail() { echo "FAIL: $*"; failed=1; }
 
-# A display number no other server uses: Xvfb picks it and tells it.
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
-pids+=($!)
-for _ in $(seq 50); do [ -s "$work/display" ] && break; sleep 0.1; done
-[ -s "$work/display" ] || { echo "FAIL: Xvfb did not start"; exit 1; }
-export DISPLAY=:$(head -1 "$work/display")
-for _ in $(seq 200); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+. "$(dirname "$(realpath "$0")")/../support/xvfb_display.sh"
+start_xvfb
 start_jack() {
   jackd --no-realtime -d dummy -r 48000 -p 256 >"$work/jackd.log" 2>&1 &
   jackd_pid=$!
