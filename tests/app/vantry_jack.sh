@@ -55,7 +55,7 @@ start_vantry() {
   vantry_pid=$!
   pids+=($vantry_pid)
   window=""
-  for _ in $(seq 100); do
+  for _ in $(seq 300); do  # 30 s: a loaded machine starts slowly
     window=$(xdotool search --name '^Vantry$' 2>/dev/null | head -1)
     [ -n "$window" ] && break
     sleep 0.1
