@@ -97,7 +97,7 @@ class XvfbServer {
     posix_spawn_file_actions_adddup2(&actions, fds[1], fds[1]);  // clears close-on-exec
     posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
     std::string screen = "1024x768x" + std::to_string(depth);
-    std::vector<std::string> args = {"Xvfb", "-displayfd", fd, "-screen", "0", screen, "-nolisten", "tcp"};
+    std::vector<std::string> args = {"Xvfb", "-displayfd", fd, "-screen", "0", screen, "-nolisten", "tcp", "-noreset"};
     pid_t pid = -1;
     if (posix_spawnp(&pid, "Xvfb", &actions, nullptr, argv(args).data(), environ) == 0) pid_ = pid;
     posix_spawn_file_actions_destroy(&actions);
