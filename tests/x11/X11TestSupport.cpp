@@ -183,10 +183,10 @@ TestClient::~TestClient() {
   if (display_) XCloseDisplay(display_);
 }
 
-Window TestClient::createTopLevel(int width, int height) {
+Window TestClient::createTopLevel(int width, int height, bool mapped) {
   Window w = XCreateSimpleWindow(display_, root(), 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height),
                                  0, 0, 0x203040);
-  XMapWindow(display_, w);
+  if (mapped) XMapWindow(display_, w);
   XSync(display_, False);
   return w;
 }

@@ -36,8 +36,9 @@ class TestClient {
   ~TestClient();
   Display* display() const { return display_; }
   Window root() const { return DefaultRootWindow(display_); }
-  // A mapped top-level window of the given size (a host's window).
-  Window createTopLevel(int width, int height);
+  // A top-level window of the given size (a host's window), mapped unless
+  // asked not to be.
+  Window createTopLevel(int width, int height, bool mapped = true);
   // The window's pixels as 0xRRGGBB, rows top down.
   std::vector<std::uint32_t> pixels(Window w, int width, int height);
   void sendKey(Window w, KeySym keysym, unsigned state, bool press = true);

@@ -221,6 +221,38 @@ TEST(X11Window, DrawsNothingWhileUnmapped) {
   EXPECT_EQ(f.root->draws, draws + 1) << "the waiting redraw happens once mapped";
 }
 
+// A host maps its window between two of our pumps: the frame drawn before
+// must show at once, painted by the server, not when the next pump answers
+// the Expose. The same after we were hidden and shown again.
+TEST(X11Window, AFrameDrawnBeforeTheHostMapsShowsWithoutAPump) {
+  ZEL_REQUIRE_XVFB();
+  TestClient client;
+  Window parent = client.createTopLevel(240, 160, /*mapped=*/false);
+  Fixture f(1, parent);
+  ASSERT_TRUE(f.host);
+  if (!f.host->backBuffer().copiesDirectly()) GTEST_SKIP() << "only the direct copy path keeps a background picture";
+  f.host->pump();  // the first frame, while nothing is viewable
+  ASSERT_GT(f.root->draws, 0);
+  const std::vector<std::uint32_t> expected = offscreenPixels(f.loop, 1);
+  auto matchesWithoutPump = [&] {
+    XSync(client.display(), False);
+    std::vector<std::uint32_t> shown = client.pixels(f.host->xWindow(), 240, 160);
+    return !shown.empty() && pixelAt(shown, 240, 5, 5) == pixelAt(expected, 240, 5, 5) &&
+           pixelAt(shown, 240, 120, 80) == pixelAt(expected, 240, 120, 80);
+  };
+  XMapWindow(client.display(), parent);
+  EXPECT_TRUE(matchesWithoutPump());
+  settle(*f.host);
+  EXPECT_FALSE(f.host->backBuffer().hasBackground()) << "answered Exposes end the background picture";
+
+  f.host->hide();
+  settle(*f.host);
+  f.host->show();
+  EXPECT_TRUE(matchesWithoutPump()) << "shown again: the last frame at once";
+  XDestroyWindow(client.display(), parent);
+  XSync(client.display(), False);
+}
+
 TEST(X11Window, ReceivesKeysForwardedWithSendEvent) {
   ZEL_REQUIRE_XVFB();
   TestClient client;

@@ -191,4 +191,24 @@ void ZelX11BackBuffer::present(ZelX11PixelRect area) {
   cairo_surface_flush(target_);
 }
 
+// A new pixmap each time: drawing into a pixmap that is already a window's
+// background has an undefined effect (the server may or may not have copied
+// it). The window holds the pixmap for as long as it is its background.
+bool ZelX11BackBuffer::showAsBackground() {
+  if (!wrapper_ || !image_) return false;
+  const unsigned depth = static_cast<unsigned>(DefaultDepth(display_, DefaultScreen(display_)));
+  Pixmap pixmap = XCreatePixmap(display_, window_, static_cast<unsigned>(width_), static_cast<unsigned>(height_), depth);
+  XPutImage(display_, pixmap, gc_, wrapper_, 0, 0, 0, 0, static_cast<unsigned>(width_), static_cast<unsigned>(height_));
+  XSetWindowBackgroundPixmap(display_, window_, pixmap);
+  XFreePixmap(display_, pixmap);
+  hasBackground_ = true;
+  return true;
+}
+
+void ZelX11BackBuffer::dropBackground() {
+  if (!hasBackground_) return;
+  XSetWindowBackgroundPixmap(display_, window_, None);
+  hasBackground_ = false;
+}
+
 ZEL_NAMESPACE_END

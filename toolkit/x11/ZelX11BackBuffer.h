@@ -9,6 +9,11 @@
 // screen): no conversion and no allocation. Other visuals go through
 // cairo's Xlib surface, which converts.
 //
+// Until the window is first shown, each finished frame is also the window's
+// background picture (a server pixmap), so the server paints it the moment
+// the window becomes viewable, before our next copy: a host maps its window
+// between two of our idle calls, and the window would be blank until then.
+//
 // Ownership: owned by the window host; the display and the window (made
 // with the screen's default visual) must outlive it.
 // Threading: the host's thread.
@@ -61,6 +66,15 @@ class ZelX11BackBuffer {
   // Copies an area of the buffer to the X window as it is.
   void present(ZelX11PixelRect area);
 
+  // Makes the buffer's whole content the window's background picture (a
+  // copy in a server pixmap; the direct copy path only). Returns whether it
+  // did.
+  bool showAsBackground();
+  // No background picture any more: exposed areas keep what they show until
+  // the next copy. Nothing when there is none.
+  void dropBackground();
+  bool hasBackground() const { return hasBackground_; }
+
   cairo_surface_t* image() const { return image_; }
   // Whether copies go straight out with XPutImage.
   bool copiesDirectly() const { return gc_ != nullptr; }
@@ -80,6 +94,7 @@ class ZelX11BackBuffer {
   ::_XGC* gc_ = nullptr;          // direct copies
   ::_XImage* wrapper_ = nullptr;  // an XImage over image_'s pixels
   std::vector<CGRect> toClear_;        // reused
+  bool hasBackground_ = false;
 };
 
 ZEL_NAMESPACE_END

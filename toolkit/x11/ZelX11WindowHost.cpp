@@ -221,8 +221,15 @@ void ZelX11WindowHost::show() {
 
 void ZelX11WindowHost::hide() {
   XUnmapWindow(display(), xWindow_);
+  becameHidden();
   XFlush(display());
+}
+
+// Nothing is drawn while hidden: the last frame waits as the background
+// picture, so the window shows it again the moment it is mapped.
+void ZelX11WindowHost::becameHidden() {
   mapped_ = false;
+  if (!destroyed_ && shown_ && backBuffer_->showAsBackground()) shown_ = false;
 }
 
 // A click in a window without the keyboard: take it. Embedded, this takes
@@ -303,7 +310,7 @@ void ZelX11WindowHost::dispatch(XEvent& event) {
       if (event.xmap.window == xWindow_) mapped_ = true;
       break;
     case UnmapNotify:
-      if (event.xunmap.window == xWindow_) mapped_ = false;
+      if (event.xunmap.window == xWindow_) becameHidden();
       break;
     case FocusIn:
     case FocusOut:
@@ -335,11 +342,18 @@ bool ZelX11WindowHost::redrawIfNeeded() {
   if (needsRedraw_ && !destroyed_ && mapped_) {
     needsRedraw_ = false;  // drawing may invalidate again: that is the next frame
     drew = backBuffer_->display(window_, scale_);
+    // Not shown yet: the server paints this frame itself when the window
+    // becomes viewable.
+    if (drew && !shown_) backBuffer_->showAsBackground();
   }
   if (!exposed_.empty() && mapped_) {
     backBuffer_->present(exposed_);
     exposed_ = {};
     drew = true;
+    if (!shown_) {
+      shown_ = true;
+      backBuffer_->dropBackground();
+    }
   }
   if (drew) ++redraws_;
   return drew;

@@ -115,6 +115,7 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   int dispatchEvents();
   void dispatch(_XEvent& event);
   void handleConfigure(int width, int height);
+  void becameHidden();
   void handleFocus(const _XEvent& event);
   void handleKey(_XEvent& event);
   void handleButton(const _XEvent& event);
@@ -145,6 +146,7 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   bool closeRequested_ = false;
   bool destroyed_ = false;
   bool mapped_ = false;  // MapNotify seen and no UnmapNotify since
+  bool shown_ = false;   // an Expose was answered since the window was last hidden
   std::function<void()> closeHandler_;
   std::size_t redraws_ = 0;
 
