@@ -152,27 +152,13 @@ bool haveProgram(const std::string& name) {
 
 // ---- Connections.
 
-namespace {
-
-template <class Open>
-auto withRetries(Open open) {
-  auto result = open();
-  for (int attempt = 0; !result && attempt < 10; ++attempt) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    result = open();
-  }
-  return result;
-}
-
-}  // namespace
-
 std::unique_ptr<zel::ZelX11WindowHost> openHost(zel::ZelWindow& window, zel::ZelX11WindowOptions options) {
   options.displayName = xvfbDisplay();
-  return withRetries([&] { return zel::ZelX11WindowHost::create(window, options); });
+  return zel::ZelX11WindowHost::create(window, options);
 }
 
 Display* openDisplay() {
-  return withRetries([] { return XOpenDisplay(xvfbDisplay().c_str()); });
+  return XOpenDisplay(xvfbDisplay().c_str());
 }
 
 // ---- The test's own client.

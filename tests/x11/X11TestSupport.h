@@ -64,8 +64,8 @@ int startChild(const std::vector<std::string>& args, const std::string& input);
 void stopChild(int pid);
 bool haveProgram(const std::string& name);
 
-// A window host on the private server. Xvfb now and then refuses a
-// connection opened right after another one closed; we retry a few times.
+// A window host on the private server (run with -noreset, so it never
+// refuses a connection while regenerating after its last client left).
 std::unique_ptr<zel::ZelX11WindowHost> openHost(zel::ZelWindow& window, zel::ZelX11WindowOptions options);
 Display* openDisplay();
 
