@@ -27,7 +27,7 @@ namespace ids = zel_vantry_lv2;
 // Ids 1-19 in this order; fuzz/seeds/make_lv2_seeds.py uses the same.
 inline const char* const kFixedURIs[] = {
     LV2_ATOM__Sequence, LV2_ATOM__Object,   LV2_ATOM__Blank,  LV2_ATOM__String,   LV2_ATOM__Int,
-    LV2_ATOM__Bool,     LV2_ATOM__URID,     LV2_PATCH__Set,   LV2_PATCH__Get,     LV2_PATCH__property,
+    LV2_ATOM__Bool,     LV2_ATOM__URID,     ids::kSetMessage, ids::kGetMessage,   LV2_PATCH__property,
     LV2_PATCH__value,   ids::kPresetName,   ids::kTheme,      ids::kThemeToggle,  ids::kZoom,
     ids::kChannelsIn,   ids::kChannelsOut,  LV2_ATOM__eventTransfer, LV2_ATOM__Float};
 enum Fixed : LV2_URID {
@@ -102,7 +102,7 @@ inline void checkNotify(const std::vector<std::uint8_t>& buffer, std::uint32_t c
     if (ev->body.size > end - at - sizeof(LV2_Atom_Event)) fail("an event overruns the notify sequence");
     if (ev->body.type != kObject || ev->body.size < sizeof(LV2_Atom_Object_Body)) fail("a notify event is no object");
     const auto* obj = reinterpret_cast<const LV2_Atom_Object*>(&ev->body);
-    if (obj->body.otype != kSet) fail("a notify message is no patch:Set");
+    if (obj->body.otype != kSet) fail("a notify message is no Set");
     const LV2_Atom *property = nullptr, *value = nullptr;
     lv2_atom_object_get(obj, kProperty, &property, kValue, &value, 0);
     if (!property || property->type != kURID || property->size != sizeof(LV2_URID) || !value)

@@ -7,18 +7,22 @@
 // Power is the host's bypass), the latency output, the atom control input,
 // the atom notify output, then the audio inputs and outputs.
 //
-// Messages on the atom ports are patch:Set and patch:Get objects:
-//   UI -> DSP  patch:Set kThemeToggle (atom:Bool true): the user toggled the
+// Messages on the atom ports are objects of our own types kSetMessage and
+// kGetMessage, laid out as patch:Set and patch:Get (patch:property,
+// patch:value). Hosts look into patch:Set messages for the properties they
+// know and warn about the others; these they pass on untouched.
+//   UI -> DSP  Set kThemeToggle (atom:Bool true): the user toggled the
 //              theme; the plug-in flips its remembered theme.
-//   UI -> DSP  patch:Set kPresetName (atom:String): a preset was chosen.
-//   UI -> DSP  patch:Set kZoom (atom:Int, percent 100-200): the user's zoom.
-//   UI -> DSP  patch:Get (no property): send everything below.
-//   DSP -> UI  patch:Set kPresetName, kTheme (atom:Int 0 or 1: the number
+//   UI -> DSP  Set kPresetName (atom:String): a preset was chosen.
+//   UI -> DSP  Set kZoom (atom:Int, percent 100-200): the user's zoom.
+//   UI -> DSP  Get (no property): send everything below.
+//   DSP -> UI  Set kPresetName, kTheme (atom:Int 0 or 1: the number
 //              of toggles modulo 2), kZoom, kChannelsIn, kChannelsOut
 //              (atom:Int).
-// The plug-in answers a patch:Get and announces the preset name after its
-// state was restored. It keeps kPresetName, kTheme and kZoom in its saved
-// state.
+// The plug-in answers a Get and announces the preset name after its state
+// was restored. It keeps kPresetName, kTheme and kZoom in its saved state.
+// Both atom ports are optional, and so is urid:map: without them the
+// plug-in runs on its control ports alone.
 #pragma once
 
 #include <cstdint>
@@ -29,6 +33,9 @@ inline constexpr char kPluginURIPrefix[] = "https://www.zel-audio.example/plugin
 inline constexpr char kStereoURI[] = "https://www.zel-audio.example/plugins/vantry#stereo";
 inline constexpr char kMonoURI[] = "https://www.zel-audio.example/plugins/vantry#mono";
 inline constexpr char kUIURI[] = "https://www.zel-audio.example/plugins/vantry#ui";
+
+inline constexpr char kSetMessage[] = "https://www.zel-audio.example/ns/editor#Set";
+inline constexpr char kGetMessage[] = "https://www.zel-audio.example/ns/editor#Get";
 
 inline constexpr char kPresetName[] = "https://www.zel-audio.example/plugins/vantry#presetName";
 inline constexpr char kTheme[] = "https://www.zel-audio.example/plugins/vantry#theme";

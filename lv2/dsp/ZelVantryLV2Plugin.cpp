@@ -1,12 +1,16 @@
 // The LV2 plug-in: the audio unit behind a host's ports, for the stereo and
 // the mono plug-in of the bundle (lv2/common/ZelVantryURIs.h has the port
-// layout and the patch messages the editor and the plug-in exchange).
+// layout and the messages the editor and the plug-in exchange).
 //
 // Threading: run() is the audio thread's and is real-time safe (no
 // allocation, lock, wait or I/O); instantiate, activate, cleanup and the
 // state interface run on other threads, never at the same time as run().
 // Every atom that arrives is checked against its declared sizes and types
 // before it is read; anything malformed is dropped without a word.
+//
+// Minimal hosts: without urid:map, or with the atom ports left unconnected,
+// the plug-in runs on its control ports alone (no preset name, theme or
+// zoom; no saved state of its own).
 #include <lv2/atom/atom.h>
 #include <lv2/atom/forge.h>
 #include <lv2/core/lv2.h>
@@ -50,9 +54,10 @@ bool isToggle(int pid) {
 
 struct URIDs {
   LV2_URID atomBlank, atomObject, atomString, atomInt, atomBool, atomURID, atomSequence;
-  LV2_URID patchSet, patchGet, patchProperty, patchValue;
+  LV2_URID set, get, patchProperty, patchValue;
   LV2_URID presetName, theme, themeToggle, zoom, channelsIn, channelsOut;
 
+  URIDs() = default;  // all 0: no map, no messages
   explicit URIDs(const LV2_URID_Map& m) {
     const auto map = [&](const char* uri) { return m.map(m.handle, uri); };
     atomBlank = map(LV2_ATOM__Blank);
@@ -62,8 +67,8 @@ struct URIDs {
     atomBool = map(LV2_ATOM__Bool);
     atomURID = map(LV2_ATOM__URID);
     atomSequence = map(LV2_ATOM__Sequence);
-    patchSet = map(LV2_PATCH__Set);
-    patchGet = map(LV2_PATCH__Get);
+    set = map(ids::kSetMessage);
+    get = map(ids::kGetMessage);
     patchProperty = map(LV2_PATCH__property);
     patchValue = map(LV2_PATCH__value);
     presetName = map(ids::kPresetName);
@@ -129,7 +134,7 @@ bool isPresetName(const char* bytes, std::size_t size) {
 
 // A patch message's parts, found in an object body without trusting a size.
 struct Patch {
-  LV2_URID kind = 0;                  // the object's type: patch:Set, patch:Get, ...
+  LV2_URID kind = 0;                  // the object's type: our Set, Get, ...
   const LV2_Atom* property = nullptr;  // patch:property's value, when present
   const LV2_Atom* value = nullptr;     // patch:value's value, when present
 };
@@ -172,10 +177,14 @@ bool readURID(const URIDs& u, const LV2_Atom* atom, LV2_URID& out) {
 
 class Plugin {
  public:
-  Plugin(int channels, double rate, const LV2_URID_Map& map)
-      : unit_(channels, rate), uris_(map), channels_(std::uint32_t(channels)) {
-    LV2_URID_Map m = map;
-    lv2_atom_forge_init(&forge_, &m);
+  // `map` may be null: the plug-in then neither reads nor writes messages.
+  Plugin(int channels, double rate, const LV2_URID_Map* map)
+      : unit_(channels, rate), uris_(map ? URIDs(*map) : URIDs()), messages_(map != nullptr),
+        channels_(std::uint32_t(channels)) {
+    if (map) {
+      LV2_URID_Map m = *map;
+      lv2_atom_forge_init(&forge_, &m);
+    }
     for (float& v : last_) v = NAN;
   }
 
@@ -217,6 +226,7 @@ class Plugin {
   }
 
   LV2_State_Status save(LV2_State_Store_Function store, LV2_State_Handle handle) const {
+    if (!messages_) return LV2_STATE_SUCCESS;  // no keys to store under
     constexpr std::uint32_t flags = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
     LV2_State_Status status =
         store(handle, uris_.presetName, presetName_, std::strlen(presetName_) + 1, uris_.atomString, flags);
@@ -229,6 +239,7 @@ class Plugin {
   }
 
   LV2_State_Status restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle) {
+    if (!messages_) return LV2_STATE_SUCCESS;
     std::size_t size = 0;
     std::uint32_t type = 0, flags = 0;
     const void* value = retrieve(handle, uris_.presetName, &size, &type, &flags);
@@ -256,7 +267,7 @@ class Plugin {
  private:
   void readMessages() {
     const LV2_Atom_Sequence* seq = control_;
-    if (!seq || seq->atom.type != uris_.atomSequence || seq->atom.size < sizeof(LV2_Atom_Sequence_Body)) return;
+    if (!messages_ || !seq || seq->atom.type != uris_.atomSequence || seq->atom.size < sizeof(LV2_Atom_Sequence_Body)) return;
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(&seq->body);
     const std::uint32_t end = seq->atom.size;
     std::uint32_t at = sizeof(LV2_Atom_Sequence_Body);
@@ -273,7 +284,7 @@ class Plugin {
   }
 
   void apply(const Patch& patch) {
-    if (patch.kind == uris_.patchGet) {
+    if (patch.kind == uris_.get) {
       if (!patch.property) {
         owed_.fetch_or(kOweEverything, std::memory_order_relaxed);
         return;
@@ -287,7 +298,7 @@ class Plugin {
                        : key == uris_.channelsOut ? kOweChannelsOut
                                                   : Owed(0);
       owed_.fetch_or(owe, std::memory_order_relaxed);
-    } else if (patch.kind == uris_.patchSet) {
+    } else if (patch.kind == uris_.set) {
       LV2_URID key;
       const LV2_Atom* v = patch.value;
       if (!readURID(uris_, patch.property, key) || !v) return;
@@ -303,7 +314,7 @@ class Plugin {
     }
   }
 
-  // Bytes one patch:Set event takes in the notify sequence, its value's body
+  // Bytes one Set event takes in the notify sequence, its value's body
   // being `body` bytes: the event's time and the object's header, the
   // property key with its URID, the value key with the value's header.
   static constexpr std::uint32_t setEventBytes(std::uint32_t body) {
@@ -315,7 +326,7 @@ class Plugin {
   bool room(std::uint32_t bytes) const { return forge_.size - forge_.offset >= bytes; }
 
   bool beginSet(LV2_URID key, LV2_Atom_Forge_Frame& frame) {
-    return lv2_atom_forge_frame_time(&forge_, 0) && lv2_atom_forge_object(&forge_, &frame, 0, uris_.patchSet) &&
+    return lv2_atom_forge_frame_time(&forge_, 0) && lv2_atom_forge_object(&forge_, &frame, 0, uris_.set) &&
            lv2_atom_forge_key(&forge_, uris_.patchProperty) && lv2_atom_forge_urid(&forge_, key) &&
            lv2_atom_forge_key(&forge_, uris_.patchValue);
   }
@@ -341,7 +352,7 @@ class Plugin {
   // rest on a later run.
   void writeMessages() {
     LV2_Atom_Sequence* seq = notify_;
-    if (!seq) return;
+    if (!messages_ || !seq) return;
     const std::uint32_t capacity = seq->atom.size;
     if (capacity < sizeof(LV2_Atom_Sequence)) return;  // not even an empty sequence fits
     lv2_atom_forge_set_buffer(&forge_, reinterpret_cast<std::uint8_t*>(seq), capacity);
@@ -365,6 +376,7 @@ class Plugin {
 
   ZelVantryUnit unit_;
   URIDs uris_;
+  bool messages_;  // the host maps URIDs: messages and state of our own
   LV2_Atom_Forge forge_{};
   std::uint32_t channels_;
 
@@ -391,18 +403,15 @@ LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV
     if (std::strcmp((*f)->URI, LV2_URID__map) == 0) map = static_cast<const LV2_URID_Map*>((*f)->data);
     if (std::strcmp((*f)->URI, LV2_LOG__log) == 0) log = static_cast<LV2_Log_Log*>((*f)->data);
   }
+  if (map && !map->map) map = nullptr;
   LV2_Log_Logger logger;
-  lv2_log_logger_init(&logger, const_cast<LV2_URID_Map*>(map && map->map ? map : nullptr), log);
-  if (!map || !map->map) {
-    lv2_log_error(&logger, "Vantry: the host does not offer urid:map\n");
-    return nullptr;
-  }
+  lv2_log_logger_init(&logger, const_cast<LV2_URID_Map*>(map), log);
   if (!(rate >= ZelVantryUnit::kMinSampleRate && rate <= ZelVantryUnit::kMaxSampleRate)) {
     lv2_log_error(&logger, "Vantry: sample rate %g Hz is outside 8000 to 384000 Hz\n", rate);
     return nullptr;
   }
   try {
-    return new Plugin(Channels, rate, *map);
+    return new Plugin(Channels, rate, map);
   } catch (const std::exception& e) {
     lv2_log_error(&logger, "Vantry: cannot start: %s\n", e.what());
     return nullptr;

@@ -64,6 +64,12 @@ PROPERTIES = [
     ("channelsOut", "output channels", "atom:Int", "The plug-in's output channel count."),
 ]
 
+EDITOR_NS = "https://www.zel-audio.example/ns/editor#"
+MESSAGES = [
+    ("Set", "Sets the patch:property to the patch:value, as a patch:Set would."),
+    ("Get", "Asks for the patch:property, or for every property without one."),
+]
+
 UNITS = {
     "Percent": "units:pc",
     "Decibels": "units:db",
@@ -168,7 +174,8 @@ def plugin_turtle(params, fragment, suffix, channels, version):
         '\t\tlv2:symbol "control" ;\n'
         '\t\tlv2:name "Control" ;\n'
         "\t\tatom:bufferType atom:Sequence ;\n"
-        "\t\tatom:supports patch:Message ;\n"
+        "\t\tatom:supports atom:Object ;\n"
+        "\t\tlv2:portProperty lv2:connectionOptional ;\n"
         "\t\tlv2:designation lv2:control\n\t]")
     ports.append(
         "[\n\t\ta lv2:OutputPort , atom:AtomPort ;\n"
@@ -176,7 +183,8 @@ def plugin_turtle(params, fragment, suffix, channels, version):
         '\t\tlv2:symbol "notify" ;\n'
         '\t\tlv2:name "Notify" ;\n'
         "\t\tatom:bufferType atom:Sequence ;\n"
-        "\t\tatom:supports patch:Message ;\n"
+        "\t\tatom:supports atom:Object ;\n"
+        "\t\tlv2:portProperty lv2:connectionOptional ;\n"
         "\t\tlv2:designation lv2:control\n\t]")
     index = FIRST_AUDIO_PORT
     for direction, group in (("Input", "In"), ("Output", "Out")):
@@ -208,8 +216,7 @@ def plugin_turtle(params, fragment, suffix, channels, version):
       f"\tlv2:project vantry:project ;\n"
       f"\tlv2:minorVersion {minor} ;\n"
       f"\tlv2:microVersion {micro} ;\n"
-      "\tlv2:requiredFeature urid:map ;\n"
-      "\tlv2:optionalFeature lv2:hardRTCapable , log:log ;\n"
+      "\tlv2:optionalFeature lv2:hardRTCapable , log:log , urid:map ;\n"
       "\tlv2:extensionData state:interface ;\n"
       "\tui:ui vantry:ui ;\n"
       f"\tpg:mainInput vantry:{fragment}In ;\n"
@@ -231,6 +238,12 @@ def vantry_turtle(params, version):
     for name, label, rng, comment in PROPERTIES:
         out.append(f"vantry:{name}\n\ta rdf:Property ;\n\trdfs:label {literal(label)} ;\n"
                    f"\trdfs:range {rng} ;\n\trdfs:comment {literal(comment)} .\n")
+    # The types of the messages between the editor and the plug-in: our own,
+    # so that hosts, which read patch:Set for the properties they know, leave
+    # them alone.
+    for name, comment in MESSAGES:
+        out.append(f"<{EDITOR_NS}{name}>\n\ta rdfs:Class ;\n\trdfs:subClassOf atom:Object ;\n"
+                   f"\trdfs:comment {literal(comment)} .\n")
     out.append("vantry:dBPerOctave\n\ta units:Unit ;\n\trdfs:label \"decibels per octave\" ;\n"
                "\tunits:symbol \"dB/oct\" ;\n\tunits:render \"%.0f dB/oct\" .\n")
     for fragment, suffix, channels in PLUGINS:

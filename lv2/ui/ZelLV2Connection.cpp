@@ -39,7 +39,7 @@ ZelLV2Connection::ZelLV2Connection(LV2UI_Write_Function write, LV2UI_Controller 
     : write_(write), controller_(controller), touch_(touch), channelsIn_(channels), channelsOut_(channels) {
   auto m = [map](const char* uri) { return map->map(map->handle, uri); };
   urids_ = {m(LV2_ATOM__eventTransfer), m(LV2_ATOM__Object), m(LV2_ATOM__URID),  m(LV2_ATOM__String),
-            m(LV2_ATOM__Int),           m(LV2_ATOM__Bool),   m(LV2_PATCH__Set),  m(LV2_PATCH__Get),
+            m(LV2_ATOM__Int),           m(LV2_ATOM__Bool),   m(kSetMessage),     m(kGetMessage),
             m(LV2_PATCH__property),     m(LV2_PATCH__value), m(kPresetName),     m(kTheme),
             m(kThemeToggle),            m(kZoom),            m(kChannelsIn),    m(kChannelsOut)};
   lv2_atom_forge_init(&forge_, map);
@@ -67,7 +67,7 @@ void ZelLV2Connection::receiveAtom(const LV2_Atom* atom, std::uint32_t size) {
   if (size < sizeof(LV2_Atom) || atom->size > size - sizeof(LV2_Atom)) return;
   if (atom->type != urids_.atomObject || atom->size < sizeof(LV2_Atom_Object_Body)) return;
   const auto* object = reinterpret_cast<const LV2_Atom_Object*>(atom);
-  if (object->body.otype != urids_.patchSet) return;
+  if (object->body.otype != urids_.set) return;
   // Walk the properties with every size checked against the object's end.
   const auto* begin = reinterpret_cast<const std::uint8_t*>(&object->body);
   const std::uint8_t* end = begin + atom->size;
@@ -125,7 +125,7 @@ void ZelLV2Connection::sendSetWith(LV2_URID key, std::size_t valueBytes, Forge f
   LV2_Atom_Forge forge = forge_;
   lv2_atom_forge_set_buffer(&forge, buffer.data(), buffer.size());
   LV2_Atom_Forge_Frame frame;
-  auto* set = reinterpret_cast<LV2_Atom*>(lv2_atom_forge_object(&forge, &frame, 0, urids_.patchSet));
+  auto* set = reinterpret_cast<LV2_Atom*>(lv2_atom_forge_object(&forge, &frame, 0, urids_.set));
   lv2_atom_forge_key(&forge, urids_.patchProperty);
   lv2_atom_forge_urid(&forge, key);
   lv2_atom_forge_key(&forge, urids_.patchValue);
@@ -154,7 +154,7 @@ void ZelLV2Connection::sendGet() {
   } get{};
   get.object.atom.size = sizeof(LV2_Atom_Object_Body);
   get.object.atom.type = urids_.atomObject;
-  get.object.body.otype = urids_.patchGet;
+  get.object.body.otype = urids_.get;
   writeAtom(&get, sizeof get);
 }
 

@@ -9,7 +9,7 @@
 // start-up synchronisation writes nothing; listeners hear every change, the
 // sender's own included, as soon as it is made.
 //
-// The private properties travel as patch messages on the atom ports (see
+// The private properties travel as messages on the atom ports (see
 // lv2/common/ZelVantryURIs.h): the theme toggle and the preset name go to
 // the plug-in; its answers (preset name, remembered theme, channel counts)
 // arrive through portEvent and are handed to the observer.
@@ -79,14 +79,14 @@ class ZelLV2Connection final : public ZelListeningUnitConnection {
  private:
   struct URIDs {
     LV2_URID atomEventTransfer, atomObject, atomURID, atomString, atomInt, atomBool;
-    LV2_URID patchSet, patchGet, patchProperty, patchValue;
+    LV2_URID set, get, patchProperty, patchValue;
     LV2_URID presetName, theme, themeToggle, zoom, channelsIn, channelsOut;
   };
 
   void tell(const void* sender, std::uint32_t pid);
   void receiveAtom(const LV2_Atom* atom, std::uint32_t size);
   void receiveProperty(LV2_URID key, const LV2_Atom* value);
-  // Sends a patch:Set of `key` with a string, a Bool or an Int value.
+  // Sends a Set message of `key` with a string, a Bool or an Int value.
   void sendSet(LV2_URID key, const std::string& value);
   void sendSet(LV2_URID key, bool value);
   void sendSet(LV2_URID key, std::int32_t value);

@@ -44,17 +44,65 @@ TEST(Lv2Plugin, DescriptorsAreStereoThenMono) {
   EXPECT_EQ(descriptor(2), nullptr);
 }
 
-TEST(Lv2Plugin, RefusesToStartWithoutURIDMapOrAtAnUnusableRate) {
+TEST(Lv2Plugin, RefusesToStartOnlyAtAnUnusableRate) {
   const LV2_Descriptor* d = descriptor(0);
   ASSERT_NE(d, nullptr);
   const LV2_Feature* none[] = {nullptr};
-  EXPECT_EQ(d->instantiate(d, 48000, "", none), nullptr);
-  UridMap map;
-  const LV2_Feature* features[] = {map.feature(), nullptr};
-  for (double rate : {0.0, -48000.0, double(NAN), 1e7}) EXPECT_EQ(d->instantiate(d, rate, "", features), nullptr) << rate;
-  LV2_Handle h = d->instantiate(d, 44100, "", features);
-  EXPECT_NE(h, nullptr);
-  if (h) d->cleanup(h);
+  for (double rate : {0.0, -48000.0, double(NAN), 1e7}) EXPECT_EQ(d->instantiate(d, rate, "", none), nullptr) << rate;
+  for (const LV2_Feature* const* features : {static_cast<const LV2_Feature* const*>(none),
+                                             static_cast<const LV2_Feature* const*>(nullptr)}) {
+    LV2_Handle h = d->instantiate(d, 44100, "", features);
+    EXPECT_NE(h, nullptr);
+    if (h) d->cleanup(h);
+  }
+}
+
+// lv2apply, ecasound and other minimal hosts: no urid:map, or the atom
+// ports left unconnected. The sound is the same as in a full host; the
+// messages and the state of our own are simply not there.
+TEST(Lv2Plugin, MinimalHostsHearTheSameSound) {
+  for (HostOffer offer : {HostOffer{false, true}, HostOffer{true, false}, HostOffer{false, false}}) {
+    Instance full(0), minimal(0, 48000, offer);
+    ASSERT_TRUE(full.ok());
+    ASSERT_TRUE(minimal.ok()) << offer.map << offer.atomPorts;
+    for (Instance* p : {&full, &minimal}) {
+      p->control(kPidDrive) = 60, p->control(kPidHighCut) = 3000, p->control(kPidHQ) = 1;
+      if (p == &minimal) {
+        // Whatever lies in the control buffer is not read without a map.
+        p->sendSetString(p->urid(ids::kPresetName), "Unread");
+        p->sendGet();
+      }
+    }
+    const std::vector<float> dry = sine(9600, 440);
+    std::vector<float> l1 = dry, r1 = dry, l2 = dry, r2 = dry;
+    render(full, l1, r1);
+    {
+      dsptest::RealTimeTrap trap;
+      render(minimal, l2, r2);
+      EXPECT_EQ(trap.violations(), 0);
+    }
+    EXPECT_EQ(l1, l2) << offer.map << offer.atomPorts;
+    EXPECT_EQ(r1, r2);
+    EXPECT_EQ(minimal.latency(), full.latency());
+    EXPECT_GT(minimal.latency(), 0);
+    if (offer.atomPorts) {
+      minimal.run();
+      EXPECT_TRUE(minimal.messages().empty()) << "messages without a map";
+    }
+    // No state of its own to save, and none is asked for.
+    const auto* state = static_cast<const LV2_State_Interface*>(
+        minimal.lv2Descriptor()->extension_data(LV2_STATE__interface));
+    ASSERT_NE(state, nullptr);
+    int stored = 0;
+    const auto store = [](LV2_State_Handle h, std::uint32_t, const void*, std::size_t, std::uint32_t, std::uint32_t) {
+      ++*static_cast<int*>(h);
+      return LV2_STATE_SUCCESS;
+    };
+    if (!offer.map) {
+      EXPECT_EQ(state->save(minimal.handle(), store, &stored, 0, nullptr), LV2_STATE_SUCCESS);
+      EXPECT_EQ(stored, 0);
+    }
+  }
 }
 
 TEST(Lv2Plugin, DefaultSettingsPassAudioAtUnityAndPowerOffPassesItUntouched) {
@@ -183,7 +231,7 @@ struct Property {
 // object's size field when not 0.
 std::vector<std::uint8_t> object(Instance& p, const std::vector<Property>& props, std::uint32_t objectSize = 0) {
   Bytes o;
-  o.u32(0), o.u32(p.urid(LV2_ATOM__Object)), o.u32(0), o.u32(p.urid(LV2_PATCH__Set));
+  o.u32(0), o.u32(p.urid(LV2_ATOM__Object)), o.u32(0), o.u32(p.urid(ids::kSetMessage));
   for (const Property& prop : props) {
     o.u32(prop.key), o.u32(0), o.u32(prop.declaredSize), o.u32(prop.type);
     o.raw(prop.value);
@@ -438,7 +486,7 @@ TEST(Lv2RealTime, RunNeverAllocatesLocksOrWaits) {
     Instance p(index);
     ASSERT_TRUE(p.ok());
     const LV2_URID name = p.urid(ids::kPresetName), toggle = p.urid(ids::kThemeToggle), theme = p.urid(ids::kTheme);
-    (void)p.urid(LV2_PATCH__Get), (void)p.urid(LV2_PATCH__Set), (void)p.urid(LV2_PATCH__property);
+    (void)p.urid(ids::kGetMessage), (void)p.urid(ids::kSetMessage), (void)p.urid(LV2_PATCH__property);
     (void)p.urid(LV2_PATCH__value), (void)p.urid(LV2_ATOM__String), (void)p.urid(LV2_ATOM__Bool);
     (void)p.urid(LV2_ATOM__URID);
     std::vector<float> l = sine(8192, 440), r = sine(8192, 660);

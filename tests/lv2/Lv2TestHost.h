@@ -70,15 +70,21 @@ struct Message {
   std::int32_t number = 0;
 };
 
+// What a minimal host leaves out.
+struct HostOffer {
+  bool map = true;        // urid:map among the features
+  bool atomPorts = true;  // the control and notify ports connected
+};
+
 class Instance {
  public:
   static constexpr std::uint32_t kAtomBytes = 8192;
 
   // stereo: index 0, mono: index 1.
-  explicit Instance(std::uint32_t index, double rate = 48000) : channels_(index == 0 ? 2 : 1) {
+  explicit Instance(std::uint32_t index, double rate = 48000, HostOffer offer = {}) : channels_(index == 0 ? 2 : 1) {
     const LV2_Descriptor* d = descriptor(index);
     if (!d) return;
-    const LV2_Feature* features[] = {map_.feature(), nullptr};
+    const LV2_Feature* features[] = {offer.map ? map_.feature() : nullptr, nullptr};
     descriptor_ = d;
     handle_ = d->instantiate(d, rate, ZEL_LV2_BUNDLE_DIR "/", features);
     if (!handle_) return;
@@ -86,8 +92,10 @@ class Instance {
     for (int pid = 0; pid < kZelParameterCount; ++pid) controls_[pid] = kZelParameters[pid].initial;
     for (std::uint32_t p = 0; p < ids::kControlPortCount; ++p) d->connect_port(handle_, p, &controls_[p]);
     d->connect_port(handle_, ids::kLatencyPort, &latency_);
-    d->connect_port(handle_, ids::kControlAtomPort, control_.data());
-    d->connect_port(handle_, ids::kNotifyAtomPort, notify_.data());
+    if (offer.atomPorts) {
+      d->connect_port(handle_, ids::kControlAtomPort, control_.data());
+      d->connect_port(handle_, ids::kNotifyAtomPort, notify_.data());
+    }
     if (d->activate) d->activate(handle_);
     clearControl();
   }
@@ -146,7 +154,7 @@ class Instance {
   void sendGet(LV2_URID property = 0) {
     LV2_Atom_Forge_Frame f;
     lv2_atom_forge_frame_time(&forge_, 0);
-    lv2_atom_forge_object(&forge_, &f, 0, urid(LV2_PATCH__Get));
+    lv2_atom_forge_object(&forge_, &f, 0, urid(ids::kGetMessage));
     if (property) {
       lv2_atom_forge_key(&forge_, urid(LV2_PATCH__property));
       lv2_atom_forge_urid(&forge_, property);
@@ -188,7 +196,7 @@ class Instance {
   std::map<std::string, std::string> replies() {
     std::map<std::string, std::string> out;
     for (const Message& m : messages()) {
-      if (m.kind != urid(LV2_PATCH__Set)) continue;
+      if (m.kind != urid(ids::kSetMessage)) continue;
       out[map_.unmap(m.property)] = m.valueType == urid(LV2_ATOM__String) ? m.text : std::to_string(m.number);
     }
     return out;
@@ -205,7 +213,7 @@ class Instance {
  private:
   void beginSet(LV2_URID key, LV2_Atom_Forge_Frame& f) {
     lv2_atom_forge_frame_time(&forge_, 0);
-    lv2_atom_forge_object(&forge_, &f, 0, urid(LV2_PATCH__Set));
+    lv2_atom_forge_object(&forge_, &f, 0, urid(ids::kSetMessage));
     lv2_atom_forge_key(&forge_, urid(LV2_PATCH__property));
     lv2_atom_forge_urid(&forge_, key);
     lv2_atom_forge_key(&forge_, urid(LV2_PATCH__value));
