@@ -12,6 +12,9 @@
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
+#ifdef ZEL_HAVE_XTEST
+#include <X11/extensions/XTest.h>
+#endif
 
 using namespace zel;
 using namespace zeltest;
@@ -351,15 +354,15 @@ TEST(X11Window, LivesInsideAForeignParentAndFollowsItsFocus) {
   XSetInputFocus(client.display(), parent, RevertToNone, CurrentTime);
   XSync(client.display(), False);
   ASSERT_TRUE(pumpUntil(*f.host, [&] { return f.window.isKeyWindow(); }));
-  // A click takes the input focus from the host's top-level, so that keys
-  // reach the editor; we stay key.
+  // A click leaves the input focus with the host's top-level (the host
+  // keeps its keys and passes them on); we stay key.
   client.sendButton(f.host->xWindow(), Button1, 5, 5, 0, true);
   client.sendButton(f.host->xWindow(), Button1, 5, 5, Button1Mask, false);
   settle(*f.host);
   Window focus = 0;
   int revert = 0;
   XGetInputFocus(client.display(), &focus, &revert);
-  EXPECT_EQ(focus, f.host->xWindow());
+  EXPECT_EQ(focus, parent);
   EXPECT_TRUE(f.window.isKeyWindow());
   // Embedded, it still tells its fixed size through the size hints.
   XSizeHints hints{};
@@ -380,6 +383,74 @@ TEST(X11Window, LivesInsideAForeignParentAndFollowsItsFocus) {
   EXPECT_FALSE(f.host->pump());
   f.host.reset();
 }
+
+#ifdef ZEL_HAVE_XTEST
+// Takes the keys it is given by name, records them, and uses only "a".
+class PickyView : public RecorderView {
+ public:
+  using RecorderView::RecorderView;
+  bool keyDown(const ZelEvent& e) override {
+    RecorderView::keyDown(e);
+    return e.charactersIgnoringModifiers == "a";
+  }
+  bool keyUp(const ZelEvent& e) override {
+    RecorderView::keyUp(e);
+    return e.charactersIgnoringModifiers == "a";
+  }
+  bool flagsChanged(const ZelEvent& e) override {
+    RecorderView::flagsChanged(e);
+    return false;
+  }
+};
+
+// Keys typed while our embedded window has the focus (a host focused it, or
+// the pointer's focus without a window manager): the ones the editor does
+// not use go on to the host's top-level, press and release; the host's own
+// forwarded keys (synthetic) never go back.
+TEST(X11Window, EmbeddedPassesUnusedKeysToTheHost) {
+  ZEL_REQUIRE_XVFB();
+  TestClient client;
+  Window parent = client.createTopLevel(300, 200);
+  XSelectInput(client.display(), parent, KeyPressMask | KeyReleaseMask);
+  Fixture f(1, parent);
+  ASSERT_TRUE(f.host);
+  auto* picky = static_cast<PickyView*>(f.window.contentView()->addSubview(
+      std::make_unique<PickyView>(CGRectMake(0, 0, kSize.width, kSize.height))));
+  ASSERT_TRUE(f.window.makeFirstResponder(picky));
+  settle(*f.host);
+  XSetInputFocus(client.display(), f.host->xWindow(), RevertToParent, CurrentTime);
+  XSync(client.display(), False);
+  settle(*f.host);
+
+  const auto type = [&](KeySym keysym) {
+    const unsigned code = XKeysymToKeycode(client.display(), keysym);
+    XTestFakeKeyEvent(client.display(), code, True, CurrentTime);
+    XTestFakeKeyEvent(client.display(), code, False, CurrentTime);
+    XSync(client.display(), False);
+  };
+  type(XK_a);
+  type(XK_space);
+  client.sendKey(f.host->xWindow(), XK_b, 0, true);  // as a host forwards it
+  ASSERT_TRUE(pumpUntil(*f.host, [&] { return picky->events.size() >= 5; }));
+  settle(*f.host);
+
+  // The host's top-level heard Space pressed and released, nothing else.
+  std::vector<std::pair<int, KeySym>> heard;
+  while (XPending(client.display())) {
+    XEvent e;
+    XNextEvent(client.display(), &e);
+    if ((e.type == KeyPress || e.type == KeyRelease) && e.xkey.window == parent)
+      heard.emplace_back(e.type, XLookupKeysym(&e.xkey, 0));
+  }
+  const std::vector<std::pair<int, KeySym>> expected = {{KeyPress, XK_space}, {KeyRelease, XK_space}};
+  EXPECT_EQ(heard, expected);
+  Window focus = 0;
+  int revert = 0;
+  XGetInputFocus(client.display(), &focus, &revert);
+  EXPECT_EQ(focus, f.host->xWindow());  // where the host put it
+  EXPECT_EQ(f.host->connection().errorCount(), 0u);
+}
+#endif
 
 TEST(X11Window, TwoWindowsInOneProcessShareNoConnection) {
   ZEL_REQUIRE_XVFB();

@@ -232,18 +232,12 @@ void ZelX11WindowHost::becameHidden() {
   if (!destroyed_ && shown_ && backBuffer_->showAsBackground()) shown_ = false;
 }
 
-// A click in a window without the keyboard: take it. Embedded, this takes
-// the focus from the host's own widgets into our window, as any plug-in
-// editor does. An unviewable window makes this fail harmlessly (the error
-// trap takes the BadMatch).
-bool ZelX11WindowHost::holdsInputFocus() const {
-  Window focus = 0;
-  int revert = 0;
-  XGetInputFocus(display(), &focus, &revert);
-  return focus == xWindow_;
-}
-
+// A click in a top-level window without the keyboard: take it. Embedded,
+// never: the host keeps the focus and passes keys on (see the header). An
+// unviewable window makes this fail harmlessly (the error trap takes the
+// BadMatch).
 void ZelX11WindowHost::requestKeyFocus() {
+  if (parent_) return;
   XSetInputFocus(display(), xWindow_, RevertToParent, CurrentTime);
   XFlush(display());
 }
@@ -365,9 +359,9 @@ CGPoint ZelX11WindowHost::pointFromPixels(int x, int y) const {
   return CGPointMake(x / scale_, window_.contentSize().height - y / scale_);
 }
 
-void ZelX11WindowHost::send(ZelEvent event) {
+bool ZelX11WindowHost::send(ZelEvent event) {
   event.timestamp = window_.runLoop().now();
-  window_.sendEvent(event);
+  return window_.sendEvent(event);
 }
 
 void ZelX11WindowHost::handleKey(XEvent& event) {
@@ -382,7 +376,24 @@ void ZelX11WindowHost::handleKey(XEvent& event) {
   }
   ZelEvent e = ZelX11TranslateKey(key);
   e.locationInWindow = pointer_;
-  send(std::move(e));
+  const bool used = send(std::move(e));
+  // Only keys that came to us directly: a host that forwarded a key to us
+  // would get it back, and send it again.
+  if (!parent_ || event.xany.send_event) return;
+  if (event.type == KeyPress) {
+    keysForwarded_.set(code, !used);
+    if (!used) forwardKeyToHost(event);
+  } else if (keysForwarded_.test(code)) {
+    keysForwarded_.reset(code);
+    forwardKeyToHost(event);
+  }
+}
+
+void ZelX11WindowHost::forwardKeyToHost(const XEvent& event) {
+  XEvent e = event;
+  e.xkey.window = focusWindow_;
+  e.xkey.subwindow = None;
+  XSendEvent(display(), focusWindow_, False, NoEventMask, &e);
 }
 
 int ZelX11WindowHost::clickCountFor(const XEvent& event) {
@@ -403,10 +414,6 @@ void ZelX11WindowHost::handleButton(const XEvent& event) {
   pointer_ = pointFromPixels(b.x, b.y);
   ZelEventModifierFlags flags = ZelX11ModifierFlags(b.state);
   bool press = event.type == ButtonPress;
-  // Inside a host the host's top-level keeps the keyboard even while we
-  // count as key: a click on the editor takes the input focus, so that
-  // typed values, Tab and the shortcuts reach it.
-  if (press && parent_ && (b.button == Button1 || b.button == Button3) && !holdsInputFocus()) requestKeyFocus();
   switch (b.button) {
     case Button1:
     case Button3: {

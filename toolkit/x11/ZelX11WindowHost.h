@@ -14,6 +14,16 @@
 // buttons 1 and 3, motion, wheel buttons 4-7 (one line per notch), keys
 // (synthetic ones included) and WM_DELETE_WINDOW.
 //
+// Keys inside a host: the host owns the keyboard. An embedded window never
+// takes the X input focus (a click would leave the host's shortcuts dead,
+// and with no window manager the focus could end on no window at all once
+// the editor closes). Hosts pass keys on with XSendEvent (suil's GTK
+// wrappers whenever their socket has the focus, Ardour while its keyboard
+// button is on); those arrive as synthetic key events. Keys that reach our
+// window directly (a host that focuses it, or the pointer's focus without a
+// window manager) and that the editor does not use go on to the host's
+// top-level window, so Space, Ctrl+S and the like still work there.
+//
 // Ownership: the host attaches itself to the window (setPlatformWindow) and
 // detaches in its destructor; the window and its run loop must outlive it.
 // It owns its connection, X window, back buffer, pasteboard and URL opener.
@@ -118,14 +128,14 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   void becameHidden();
   void handleFocus(const _XEvent& event);
   void handleKey(_XEvent& event);
+  // Sends a key event the editor did not use to the host's top-level.
+  void forwardKeyToHost(const _XEvent& event);
   void handleButton(const _XEvent& event);
-  // Whether the X input focus is on our window (one round trip).
-  bool holdsInputFocus() const;
   void handleMotion(_XEvent& event);
   void handleClientMessage(const _XEvent& event);
   int clickCountFor(const _XEvent& event);
   CGPoint pointFromPixels(int x, int y) const;
-  void send(ZelEvent event);
+  bool send(ZelEvent event);
   bool redrawIfNeeded();
 
   ZelWindow& window_;
@@ -152,6 +162,7 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
 
   CGPoint pointer_;
   std::bitset<256> keysDown_;
+  std::bitset<256> keysForwarded_;  // pressed keys passed on to the host: their releases follow
   unsigned lastClickButton_ = 0;
   unsigned long lastClickTime_ = 0;
   int lastClickX_ = 0, lastClickY_ = 0, clickCount_ = 0;
