@@ -258,7 +258,7 @@ def ui_turtle():
                      "\t\tui:protocol atom:eventTransfer\n\t]")
     return (PREFIXES + "\nvantry:ui\n\ta ui:X11UI ;\n"
             "\tlv2:requiredFeature ui:parent , urid:map ;\n"
-            "\tlv2:optionalFeature ui:resize , ui:touch , ui:idleInterface ;\n"
+            "\tlv2:optionalFeature ui:resize , ui:noUserResize , ui:touch , ui:idleInterface ;\n"
             "\tlv2:extensionData ui:idleInterface ;\n"
             "\tui:portNotification " + " , ".join(notes) + " .\n")
 
@@ -338,7 +338,10 @@ def manifest_turtle(found):
     for fragment, _, _ in PLUGINS:
         out.append(f"vantry:{fragment}\n\ta lv2:Plugin ;\n\tlv2:binary <{DSP_BINARY}> ;\n"
                    "\trdfs:seeAlso <vantry.ttl> .\n")
-    out.append(f"vantry:ui\n\ta ui:X11UI ;\n\tui:binary <{UI_BINARY}> ;\n\trdfs:seeAlso <vantry_ui.ttl> .\n")
+    # Hosts that never load the UI's own file (Ardour asks the world whether
+    # the user may resize the window) find the editor's sizing here.
+    out.append(f"vantry:ui\n\ta ui:X11UI ;\n\tui:binary <{UI_BINARY}> ;\n"
+               "\tlv2:optionalFeature ui:noUserResize ;\n\trdfs:seeAlso <vantry_ui.ttl> .\n")
     for fragment, _, _ in PLUGINS:
         for name, _ in found:
             out.append(f"{preset_uri(fragment, name)}\n\ta pset:Preset ;\n\tlv2:appliesTo vantry:{fragment} ;\n"

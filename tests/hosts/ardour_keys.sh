@@ -7,7 +7,8 @@
 #         Space starts and stops the transport and Ctrl+S saves the
 #         session; with Ardour's keyboard button on, a click on High Cut
 #         and "1k" Return set it to 1 kHz, which Ardour saves once the
-#         button is off again.
+#         button is off again; Ctrl+plus grows Ardour's window with the
+#         editor, all of it visible, and Ctrl+0 returns both to 100 %.
 #   nowm  without one (the keyboard goes where the pointer is): after a
 #         click in the editor, Space over the editor starts the transport,
 #         Space over Ardour's editor window stops it, and Ctrl+S saves.
@@ -71,6 +72,18 @@ ctrl_s_saves() {
   saves=$((saves + 1))
   echo "Ctrl+S saved the session $1"
 }
+# WHEN W H: the editor's X window is W x H and lies wholly inside Ardour's
+# plug-in window (the geometries are read anew).
+fits() {
+  ex=$(geometry "$editor" "Absolute upper-left X") ey=$(geometry "$editor" "Absolute upper-left Y")
+  ew=$(geometry "$editor" "Width") eh=$(geometry "$editor" "Height")
+  fx=$(geometry "$frame" "Absolute upper-left X") fy=$(geometry "$frame" "Absolute upper-left Y")
+  fw=$(geometry "$frame" "Width") fh=$(geometry "$frame" "Height")
+  echo "$1: Ardour's window ${fw}x$fh, the editor ${ew}x$eh at $((ex - fx)),$((ey - fy)) in it"
+  [ "$ew" -eq "$2" ] && [ "$eh" -eq "$3" ] || fail "$1 the editor is ${ew}x$eh, not $2x$3"
+  [ "$ex" -ge "$fx" ] && [ "$ey" -ge "$fy" ] && [ $((ex + ew)) -le $((fx + fw)) ] && [ $((ey + eh)) -le $((fy + fh)) ] ||
+    fail "$1 the editor (${ew}x$eh+$ex+$ey) is cut off by Ardour's window (${fw}x$fh+$fx+$fy)"
+}
 # Editor points (x y from the editor's top left): an empty spot below the
 # filter sliders, the High Cut handle at the preset's 3.4 kHz.
 empty="$((ex + 120)) $((ey + 296))"
@@ -93,6 +106,17 @@ if [ "$mode" = wm ]; then
   xdotool key Return
   sleep 1
   xwd -root -silent | convert xwd:- -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-keys-typed.png"
+
+  # Zoom: Ctrl+plus grows Ardour's window with the editor, the whole editor
+  # inside it; Ctrl+0 returns both to their size, without margins.
+  xdotool key ctrl+plus
+  sleep 1.5
+  fits "after Ctrl+plus" 600 475
+  xwd -root -silent | convert xwd:- -crop "${fw}x$fh+$fx+$fy" +repage "$out/ardour-zoom.png"
+  xdotool key ctrl+0
+  sleep 1.5
+  fits "after Ctrl+0" 480 380
+  [ "$fw" -eq 480 ] && [ "$fh" -le 420 ] || fail "Ardour's window stayed ${fw}x$fh after Ctrl+0 (margins around the editor)"
   xdotool mousemove $((fx + fw - 23)) $((fy + 16)) sleep 0.2 click 1 sleep 0.5
   xdotool mousemove $empty sleep 0.2 click 1 sleep 0.3
   ctrl_s_saves "with the keyboard button off again"

@@ -24,7 +24,7 @@ eca() {
 
 eca in.wav drive.wav stereo 1,0,60,0,20,3000,12,100,1,-96,0,100
 reference drive-ref.wav in.wav --set Drive=60 --set HighCut=3000 --set Mode=1
-same_sound drive.wav drive-ref.wav "stereo, Drive 60, High Cut 3 kHz, Mid/Side"
+same_sound drive.wav drive-ref.wav "stereo, Drive 60, High Cut 3 kHz, Mode Mono"
 
 eca in.wav hq.wav stereo 1,40,0,0,300,20000,12,100,0,-96,1,100
 reference hq-ref.wav in.wav --set HQ=On --set Degrade=40 --set LowCut=300

@@ -26,7 +26,7 @@ gst() {
 
 gst in.wav drive.wav "$element-stereo" MasterOnOff=true Drive=60 HighCut=3000 Mode=1
 reference drive-ref.wav in.wav --set Drive=60 --set HighCut=3000 --set Mode=1
-same_sound drive.wav drive-ref.wav "stereo, Drive 60, High Cut 3 kHz, Mid/Side"
+same_sound drive.wav drive-ref.wav "stereo, Drive 60, High Cut 3 kHz, Mode Mono"
 
 gst in.wav hq.wav "$element-stereo" MasterOnOff=true HQ=true Degrade=40 LowCut=300
 reference hq-ref.wav in.wav --set HQ=On --set Degrade=40 --set LowCut=300

@@ -364,12 +364,14 @@ TEST(X11Window, LivesInsideAForeignParentAndFollowsItsFocus) {
   XGetInputFocus(client.display(), &focus, &revert);
   EXPECT_EQ(focus, parent);
   EXPECT_TRUE(f.window.isKeyWindow());
-  // Embedded, it still tells its fixed size through the size hints.
+  // Embedded, it tells its size as the base size, with no minimum or
+  // maximum that would keep a host from following a zoom.
   XSizeHints hints{};
   long supplied = 0;
   ASSERT_TRUE(XGetWMNormalHints(client.display(), f.host->xWindow(), &hints, &supplied));
-  EXPECT_EQ(hints.min_width, 240);
-  EXPECT_EQ(hints.max_height, 160);
+  EXPECT_EQ(hints.flags & (PBaseSize | PMinSize | PMaxSize), PBaseSize);
+  EXPECT_EQ(hints.base_width, 240);
+  EXPECT_EQ(hints.base_height, 160);
   XSetInputFocus(client.display(), client.root(), RevertToNone, CurrentTime);
   XSync(client.display(), False);
   ASSERT_TRUE(pumpUntil(*f.host, [&] { return !f.window.isKeyWindow(); }));

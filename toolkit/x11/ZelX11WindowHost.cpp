@@ -129,15 +129,19 @@ void ZelX11WindowHost::setTopLevelProperties(const ZelX11WindowOptions& options)
   setFixedSizeHints();
 }
 
-// The editor has one size: the window manager offers no resizing, and a
-// host that sizes its socket from the embedded window's hints finds it too.
+// The editor has one size: the window manager offers no resizing. An
+// embedded window tells its size as the base size only: suil's GTK
+// wrappers take a minimum size as the least the host may give (GTK 2 pins
+// the socket's size request to it, so a zoom that asks for more through
+// ui:resize would be centred and cut off) and a maximum as the most, while
+// they size the socket from the base size.
 void ZelX11WindowHost::setFixedSizeHints() {
   int w = 0, h = 0;
   pixelSize(w, h);
   XSizeHints hints{};
-  hints.flags = PSize | PMinSize | PMaxSize;
-  hints.width = hints.min_width = hints.max_width = w;
-  hints.height = hints.min_height = hints.max_height = h;
+  hints.width = hints.base_width = hints.min_width = hints.max_width = w;
+  hints.height = hints.base_height = hints.min_height = hints.max_height = h;
+  hints.flags = parent_ ? PSize | PBaseSize : PSize | PMinSize | PMaxSize;
   XSetWMNormalHints(display(), xWindow_, &hints);
 }
 
