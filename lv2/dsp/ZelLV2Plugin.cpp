@@ -29,7 +29,7 @@
 #include <memory>
 #include <new>
 
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 #include "lv2/common/ZelVantryURIs.h"
 
 namespace {
