@@ -486,6 +486,17 @@ void HostRunner::execute(const Command& c) {
     } else if (r.back().first != count(a[0]) || r.back().second != count(a[1])) {
       fail(c, "the UI last asked for " + std::to_string(r.back().first) + "x" + std::to_string(r.back().second));
     }
+  } else if (n == "expect-ui-fits") {
+    PluginSlot& s = slotWithUi();
+    int ux = 0, uy = 0, uw = 0, uh = 0, hx = 0, hy = 0, hw = 0, hh = 0;
+    if (!x11().geometry(s.uiWindow(), ux, uy, uw, uh) || !x11().geometry(s.hostWindow(), hx, hy, hw, hh)) {
+      fail(c, "the UI's window or the host's is gone");
+    } else if (uw != count(a[0]) || uh != count(a[1])) {
+      fail(c, "the UI's window is " + std::to_string(uw) + "x" + std::to_string(uh));
+    } else if (ux < 0 || uy < 0 || ux + uw > hw || uy + uh > hh) {
+      fail(c, "the UI's window (" + std::to_string(uw) + "x" + std::to_string(uh) + " at " + std::to_string(ux) + "," +
+                  std::to_string(uy) + ") does not fit the host's " + std::to_string(hw) + "x" + std::to_string(hh));
+    }
   } else if (n == "expect-paint-ms") {
     const double ms = slotWithUi().lastPaintMs();
     if (ms < 0) {

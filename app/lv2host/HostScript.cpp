@@ -50,6 +50,7 @@ constexpr Syntax kCommands[] = {
     {"clipboard-expect", "t", "clipboard-expect TEXT"},
     {"clipboard-print", "", "clipboard-print"},
     {"expect-size", "ii", "expect-size W H"},
+    {"expect-ui-fits", "ii", "expect-ui-fits W H"},
     {"expect-paint-ms", "n", "expect-paint-ms MAX"},
     {"screenshot", "w", "screenshot FILE.png"},
     {"save-state", "w", "save-state NAME"},

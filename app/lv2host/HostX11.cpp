@@ -102,6 +102,16 @@ void HostX11::resize(Window w, int width, int height) {
   XFlush(display_);
 }
 
+bool HostX11::geometry(Window w, int& x, int& y, int& width, int& height) {
+  Window root = 0;
+  unsigned wu = 0, hu = 0, border = 0, depth = 0;
+  XSync(display_, False);
+  if (!XGetGeometry(display_, w, &root, &x, &y, &wu, &hu, &border, &depth)) return false;
+  width = static_cast<int>(wu);
+  height = static_cast<int>(hu);
+  return true;
+}
+
 void HostX11::drain() {
   while (XPending(display_)) {
     XEvent e;

@@ -36,6 +36,9 @@ public:
   Window createTopLevel(int width, int height, const std::string& title);
   void destroy(Window w);
   void resize(Window w, int width, int height);
+  // The window's size and its place in its parent, after a round trip;
+  // false when it is gone.
+  bool geometry(Window w, int& x, int& y, int& width, int& height);
   // Reads and drops the host connection's pending events.
   void drain();
   void sync();

@@ -113,6 +113,31 @@ fi
 grep -q "UI => Plugin" "$work/jalv.log" || fail "no message from the editor reached the plug-in"
 grep -q "vantry#presetName" "$work/jalv.log" || fail "the plug-in did not tell the editor its preset name"
 
+# Zoom: Ctrl+plus (the pointer on the editor) grows the editor to 125 %
+# and jalv's window with it, the whole editor inside; Ctrl+0 returns both.
+editor=$(xwininfo -tree -id "$window" | awk 'match($0, /^ +0x[0-9a-f]+/) && RLENGTH > depth { depth = RLENGTH; id = $1 }
+  END { print id }')
+fits() {
+  local g ex ey ew eh wx wy ww wh
+  g() { xwininfo -id "$1" | awk -v k="$2" '$0 ~ k { print $NF }'; }
+  ex=$(g "$editor" "Absolute upper-left X") ey=$(g "$editor" "Absolute upper-left Y")
+  ew=$(g "$editor" "Width") eh=$(g "$editor" "Height")
+  wx=$(g "$window" "Absolute upper-left X") wy=$(g "$window" "Absolute upper-left Y")
+  ww=$(g "$window" "Width") wh=$(g "$window" "Height")
+  echo "$1: jalv's window ${ww}x$wh, the editor ${ew}x$eh at $((ex - wx)),$((ey - wy))"
+  [ "$ew" = "$2" ] && [ "$eh" = "$3" ] || { fail "$1 the editor is ${ew}x$eh, not $2x$3"; return; }
+  [ "$ex" -ge "$wx" ] && [ "$ey" -ge "$wy" ] && [ $((ex + ew)) -le $((wx + ww)) ] && [ $((ey + eh)) -le $((wy + wh)) ] ||
+    fail "$1 the editor is cut off by jalv's window"
+  [ "$ww" = "$2" ] || fail "$1 jalv's window is $ww wide, not $2 (margins or cut)"
+}
+xdotool mousemove 240 $((top + 200)) sleep 0.2 key ctrl+plus
+sleep 1.5
+fits "after Ctrl+plus" 600 475
+xwd -root -silent | convert xwd:- -crop "700x600+0+0" "$out/jalv-zoom.png"
+xdotool key ctrl+0
+sleep 1.5
+fits "after Ctrl+0" 480 380
+
 kill -INT "$jalv"
 for _ in $(seq 50); do kill -0 "$jalv" 2>/dev/null || break; sleep 0.1; done
 kill -0 "$jalv" 2>/dev/null && fail "jalv did not close"
