@@ -3,7 +3,8 @@
 # an Xvfb of its own): the scripts in vantry/ must pass; the screenshots
 # they take show the restored preset name and theme; the editor asks for
 # 480 x 380 times each scale factor; a flood of host values during a drag
-# (flood.lv2s) fights nothing; 50 open/close cycles and two instances
+# (flood.lv2s) fights nothing; two instances with both editors open keep
+# apart (instances.lv2s); 50 open/close cycles and two instances
 # (one closed while the other works) leave no X errors. Prints the host's
 # measurements (first paint, idle cost, memory). Runs with a private HOME.
 #   lv2host_vantry.sh ZEL_LV2_HOST BUNDLE_DIR OUT_DIR
@@ -33,7 +34,7 @@ run() {
   fi
 }
 
-for script in editor state mono flood; do
+for script in editor state mono flood instances; do
   run "$script" <"$here/vantry/$script.lv2s"
 done
 
