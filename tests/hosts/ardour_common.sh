@@ -4,10 +4,14 @@
 # windows a session was saved with open; the session is told so, the way
 # Ardour writes it when a user leaves the editor open. Runs with a private
 # HOME whose Ardour settings skip the first-run and audio setup dialogs.
-#   ardour_setup SESSION_DIR X Y   the session (a copy of SESSION_DIR, or a
-#                                  new one when it is empty), Ardour's
-#                                  settings and Xvfb; Vantry's window opens
-#                                  at X,Y. Needs $bundle, $out, $here.
+#   ardour_setup SESSION_DIR X Y [LUA]
+#                                  the session (a copy of SESSION_DIR, or a
+#                                  new one made by LUA, ardour_session.lua
+#                                  by default), Ardour's settings and Xvfb;
+#                                  each Vantry's window opens at X,Y, the
+#                                  next 620 pixels to the right. Sets $ids
+#                                  (route-processor ids). Needs $bundle,
+#                                  $out, $here.
 #   ardour_window_manager          starts openbox (click to focus)
 #   ardour_start                   starts Ardour and waits for Vantry's
 #                                  window: sets $ardour, $frame, $main,
@@ -30,7 +34,7 @@ fail() {
 }
 
 ardour_setup() {
-  local from=$1 x=$2 y=$3
+  local from=$1 x=$2 y=$3 lua=${4:-$here/ardour_session.lua} id windows=""
   work=$(mktemp -d)
   trap cleanup EXIT
   export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
@@ -41,7 +45,7 @@ ardour_setup() {
   if [ -n "$from" ]; then
     cp -r "$from" "$session"
   else
-    timeout -k 5 90 ardour7-lua "$here/ardour_session.lua" create "$session" "$work/values" >"$work/create.log" 2>&1 ||
+    timeout -k 5 90 ardour7-lua "$lua" create "$session" "$work/values" >"$work/create.log" 2>&1 ||
       { cat "$work/create.log"; fail "ardour7-lua could not make the session"; }
   fi
   snapshot=$session/vantry.ardour
@@ -78,9 +82,13 @@ CONFIG
   ids=$(awk '/<Route / { match($0, / id="[0-9]+"/); route = substr($0, RSTART + 5, RLENGTH - 6) }
     /<Processor .*type="lv2" unique-id="https:\/\/www.zel-audio.example\/plugins\/vantry#stereo"/ {
       match($0, / id="[0-9]+"/); print route "-" substr($0, RSTART + 5, RLENGTH - 6) }' "$snapshot")
-  [ "$(wc -w <<<"$ids")" -eq 1 ] || fail "the session does not hold exactly one Vantry ($ids)"
+  [ -n "$ids" ] || fail "the session holds no Vantry"
   grep -q "<Extra>" "$snapshot" && fail "the session already has GUI state"
-  sed -i "s|^</Session>|  <Extra><UI><Window name=\"P-$ids\" visible=\"1\" x-off=\"$x\" y-off=\"$y\" x-size=\"-1\" y-size=\"-1\" custom-ui=\"1\"/></UI></Extra>\n</Session>|" "$snapshot"
+  for id in $ids; do
+    windows+="<Window name=\"P-$id\" visible=\"1\" x-off=\"$x\" y-off=\"$y\" x-size=\"-1\" y-size=\"-1\" custom-ui=\"1\"/>"
+    x=$((x + 620))
+  done
+  sed -i "s|^</Session>|  <Extra><UI>$windows</UI></Extra>\n</Session>|" "$snapshot"
 
   # Xvfb picks a free display and writes its number.
   Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>&1 &
@@ -101,6 +109,11 @@ ardour_window_manager() {
 }
 
 geometry() { xwininfo -id "$1" | awk -v k="$2" '$0 ~ k { print $NF }'; }
+# The editor is the innermost (most indented) window of Ardour's plug-in window.
+editor_in() {
+  xwininfo -tree -id "$1" | awk 'match($0, /^ +0x[0-9a-f]+/) && RLENGTH > depth { depth = RLENGTH; id = $1 }
+    END { print id }'
+}
 
 ardour_start() {
   ardour --no-announcements --no-splash "$snapshot" >"$work/ardour.log" 2>&1 &
@@ -117,9 +130,7 @@ ardour_start() {
   main=$(xdotool search --name '^vantry - Ardour' 2>/dev/null | head -1)
   [ -n "$main" ] || fail "no Ardour main window for the session"
 
-  # The editor is the innermost (most indented) window of Ardour's plug-in window.
-  editor=$(xwininfo -tree -id "$frame" | awk 'match($0, /^ +0x[0-9a-f]+/) && RLENGTH > depth { depth = RLENGTH; id = $1 }
-    END { print id }')
+  editor=$(editor_in "$frame")
   [ -n "$editor" ] || fail "Ardour's plug-in window holds no editor"
   ex=$(geometry "$editor" "Absolute upper-left X") ey=$(geometry "$editor" "Absolute upper-left Y")
   ew=$(geometry "$editor" "Width") eh=$(geometry "$editor" "Height")
