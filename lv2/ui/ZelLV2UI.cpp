@@ -5,6 +5,8 @@
 //
 // Features: ui:parent and urid:map are required; ui:resize, ui:touch,
 // options (ui:scaleFactor) and log:log are used when offered.
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -30,6 +32,10 @@ ZEL_NAMESPACE_BEGIN
 namespace {
 
 using namespace zel_vantry_lv2;
+
+// How long a host may take to follow a ui:resize before the editor fits
+// itself into the window it has.
+constexpr double kHostResizeSeconds = 0.4;
 
 struct Features {
   LV2_URID_Map* map = nullptr;
@@ -85,6 +91,8 @@ class ZelVantryUI {
   void log(std::string_view line) const;
   void applyRememberedTheme(bool toggled);
   void applyZoom(double zoom);
+  void setScale(double scale);
+  void fitToHost();
 
   Features features_{nullptr};
   ZelMonotonicClock clock_;
@@ -94,6 +102,7 @@ class ZelVantryUI {
   std::unique_ptr<ZelLV2Connection> connection_;
   ZelHostView* view_ = nullptr;  // owned by the window
   double baseScale_ = 1;         // the host's scale (or the screen's), before the user's zoom
+  double zoom_ = 1;              // the user's zoom, whether or not the host's window holds it
 };
 
 void ZelVantryUI::log(std::string_view line) const {
@@ -114,14 +123,34 @@ void ZelVantryUI::applyRememberedTheme(bool toggled) {
 }
 
 // The user's zoom multiplies the host's scale: the window is drawn at the
-// product and asks the host for its new size.
+// product and asks the host for its new size. Hosts that keep their window's
+// size (jalv.qt5) would cut the editor off: once the host had its moment,
+// the editor takes the largest scale that its view leaves whole.
 void ZelVantryUI::applyZoom(double zoom) {
-  const double scale = baseScale_ * zoom;
+  zoom_ = zoom;
+  setScale(baseScale_ * zoom);
+  loop_->cancelAllForTarget(this);
+  loop_->schedule(kHostResizeSeconds, [this] { fitToHost(); }, {this, "fit"});
+}
+
+void ZelVantryUI::setScale(double scale) {
   if (host_->backingScale() != scale) host_->setBackingScale(scale);
   const LV2UI_Resize* resize = features_.resize;
   if (resize && resize->ui_resize)
     resize->ui_resize(resize->handle, static_cast<int>(ZelHostView::kInitialSize.width * scale + 0.5),
                       static_cast<int>(ZelHostView::kInitialSize.height * scale + 0.5));
+}
+
+// Also when the host's window changes size: more room gives the zoom back,
+// up to the user's; never below the host's own scale.
+void ZelVantryUI::fitToHost() {
+  int w = 0, h = 0;
+  if (!host_->roomInHost(w, h)) return;
+  const CGSize size = ZelHostView::kInitialSize;
+  // Half a pixel of slack: sizes are rounded to whole pixels.
+  const double room = std::min((w + 0.5) / size.width, (h + 0.5) / size.height);
+  const double fitted = std::max(baseScale_, std::min(baseScale_ * zoom_, room));
+  if (std::abs(fitted - host_->backingScale()) > 1e-3) setScale(fitted);
 }
 
 ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
@@ -166,6 +195,10 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   // Connecting applies the zoom in effect: the window takes its size and
   // asks the host for it.
   ui->view_->setZoomHandler([self](double zoom) { self->applyZoom(zoom); });
+  ui->host_->setHostResizeHandler([self] {
+    self->loop_->cancelAllForTarget(self);
+    self->loop_->schedule(kHostResizeSeconds, [self] { self->fitToHost(); }, {self, "fit"});
+  });
   ui->view_->setAU(ui->connection_.get());
   ui->connection_->requestState();
   ui->host_->show();

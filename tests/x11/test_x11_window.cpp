@@ -372,6 +372,18 @@ TEST(X11Window, LivesInsideAForeignParentAndFollowsItsFocus) {
   EXPECT_EQ(hints.flags & (PBaseSize | PMinSize | PMaxSize), PBaseSize);
   EXPECT_EQ(hints.base_width, 240);
   EXPECT_EQ(hints.base_height, 160);
+  // The room the host gives it: its window's, from our corner; less once
+  // the host moves us or shrinks its window.
+  int roomW = 0, roomH = 0;
+  ASSERT_TRUE(f.host->roomInHost(roomW, roomH));
+  EXPECT_EQ(roomW, 300);
+  EXPECT_EQ(roomH, 200);
+  XMoveWindow(client.display(), f.host->xWindow(), 100, 80);
+  XResizeWindow(client.display(), parent, 250, 200);
+  XSync(client.display(), False);
+  ASSERT_TRUE(f.host->roomInHost(roomW, roomH));
+  EXPECT_EQ(roomW, 150);
+  EXPECT_EQ(roomH, 120);
   XSetInputFocus(client.display(), client.root(), RevertToNone, CurrentTime);
   XSync(client.display(), False);
   ASSERT_TRUE(pumpUntil(*f.host, [&] { return !f.window.isKeyWindow(); }));

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 #include "toolkit/x11/ZelX11Scale.h"
 
@@ -168,7 +169,7 @@ void ZelX11WindowHost::watchHostTopLevel() {
   ZelX11Id w = parent_;
   while (ZelX11Id up = parentOf(d, w, root)) w = up;
   focusWindow_ = w;
-  XSelectInput(d, focusWindow_, FocusChangeMask);
+  XSelectInput(d, focusWindow_, FocusChangeMask | StructureNotifyMask);
   Window focus = 0;
   int revert = 0;
   XGetInputFocus(d, &focus, &revert);
@@ -181,6 +182,27 @@ void ZelX11WindowHost::watchHostTopLevel() {
 }
 
 // ---- Size and scale.
+
+bool ZelX11WindowHost::roomInHost(int& width, int& height) const {
+  if (!parent_) return false;
+  Display* d = display();
+  const ZelX11Id root = connection_->rootWindow();
+  width = height = std::numeric_limits<int>::max();
+  // Each ancestor up to the host's top-level clips what lies beyond it.
+  for (ZelX11Id a = parent_; a; a = a == focusWindow_ ? 0 : parentOf(d, a, root)) {
+    Window r = 0, child = 0;
+    int x = 0, y = 0;
+    unsigned w = 0, h = 0, border = 0, depth = 0;
+    if (!XGetGeometry(d, a, &r, &x, &y, &w, &h, &border, &depth) ||
+        !XTranslateCoordinates(d, xWindow_, a, 0, 0, &x, &y, &child))
+      return false;
+    width = std::min(width, static_cast<int>(w) - x);
+    height = std::min(height, static_cast<int>(h) - y);
+  }
+  width = std::max(width, 0);
+  height = std::max(height, 0);
+  return true;
+}
 
 void ZelX11WindowHost::applyPixelSize() {
   int w = 0, h = 0;
@@ -300,6 +322,7 @@ void ZelX11WindowHost::dispatch(XEvent& event) {
       break;
     case ConfigureNotify:
       if (event.xconfigure.window == xWindow_) handleConfigure(event.xconfigure.width, event.xconfigure.height);
+      else if (parent_ && event.xconfigure.window == focusWindow_ && hostResizeHandler_) hostResizeHandler_();
       break;
     case DestroyNotify:
       if (event.xdestroywindow.window == xWindow_) destroyed_ = true;

@@ -100,6 +100,12 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   std::optional<double> nextTimeout() const;
 
   bool isClosed() const { return closeRequested_ || destroyed_; }
+  // Embedded: the room the host's windows give ours, in pixels from our
+  // top-left corner to the nearest edge of any ancestor up to the host's
+  // top-level; a few round trips. False when a window on the way is gone.
+  bool roomInHost(int& width, int& height) const;
+  // Embedded: called (from pump) when the host's top-level changes size.
+  void setHostResizeHandler(std::function<void()> handler) { hostResizeHandler_ = std::move(handler); }
   // Called (from pump) when the window manager asks to close the window.
   void setCloseHandler(std::function<void()> handler) { closeHandler_ = std::move(handler); }
 
@@ -158,6 +164,7 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   bool mapped_ = false;  // MapNotify seen and no UnmapNotify since
   bool shown_ = false;   // an Expose was answered since the window was last hidden
   std::function<void()> closeHandler_;
+  std::function<void()> hostResizeHandler_;
   std::size_t redraws_ = 0;
 
   CGPoint pointer_;
