@@ -43,9 +43,7 @@
 #include "host/ZelHostView.h"
 #include "model/ZelConfig.h"
 #ifdef ZEL_VANTRY_HAVE_X11
-#ifdef ZEL_VANTRY_HAVE_ATSPI
 #include "toolkit/atspi/ZelAtspiBridge.h"
-#endif
 #include "toolkit/x11/ZelX11EventWait.h"
 #include "toolkit/x11/ZelX11WindowHost.h"
 #endif
@@ -236,7 +234,6 @@ ZelSessionState readSession(const std::string& path) {
   return reading.state;
 }
 
-#ifdef ZEL_VANTRY_HAVE_ATSPI
 // How the app shows itself to screen readers.
 ZelAtspiOptions accessibilityOptions(ZelX11WindowHost& host) {
   ZelAtspiOptions options;
@@ -245,16 +242,6 @@ ZelAtspiOptions accessibilityOptions(ZelX11WindowHost& host) {
   options.pixelScale = [&host] { return host.backingScale(); };
   return options;
 }
-#else
-// Built without the accessibility bus: nothing to connect.
-struct ZelAtspiBridge {
-  static std::unique_ptr<ZelAtspiBridge> connect(ZelWindow&, int) { return nullptr; }
-  void dispatch() {}
-  int fileDescriptor() const { return -1; }
-  std::string uniqueName() const { return {}; }
-};
-int accessibilityOptions(ZelX11WindowHost&) { return 0; }
-#endif
 
 volatile std::sig_atomic_t gStopRequested = 0;
 ZelX11WakePipe* gWakeForSignals = nullptr;
