@@ -130,7 +130,9 @@ def main():
         if args.mono and name in ("Mode",):
             default, text = 1, "Mono"
         got = (node.getRoleName(), value.minimumValue, value.maximumValue, value.currentValue, node.description)
-        check(got == (role, lo, hi, default, text), f"{name}: {got}")
+        if name == args.automation:  # moving already
+            got, default, text = got[:3], None, None
+        check(got == (role, lo, hi, default, text)[:len(got)], f"{name}: {got}")
         check(value.minimumIncrement > 0, f"{name} steps by {value.minimumIncrement}")
         actions = node.queryAction()
         names = [actions.getName(i) for i in range(actions.nActions)]
@@ -199,6 +201,7 @@ def main():
     # Tab: the focus moves to the next control in the tab order. The keys
     # are typed (XTest) into the window, focused first.
     def key(name):
+        subprocess.run(["xdotool", "mousemove", "--window", args.keys_to, "240", "190"], check=False)
         subprocess.run(["xdotool", "windowfocus", args.keys_to], check=False)
         subprocess.run(["xdotool", "key", name], check=False)
 
