@@ -124,7 +124,10 @@ class ParameterElement final : public ZelViewAccessible {
   bool usable() const { return control_.primaryControl() && !control_.primaryControl()->isDisabled(); }
 
   ZelAccessibleRole role() const override { return roleForParameter(parameter(), isPower()); }
-  std::string name() const override { return parameter().name; }
+  std::string name() const override {
+    if (isPreset() && parameter().name.empty()) return "Preset";
+    return parameter().name;
+  }
   std::string description() const override {
     std::string text, suffix;
     parameter().valueString(&text, &suffix, control_.floatValue());

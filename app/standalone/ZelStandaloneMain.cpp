@@ -237,7 +237,6 @@ ZelSessionState readSession(const std::string& path) {
 // How the app shows itself to screen readers.
 ZelAtspiOptions accessibilityOptions(ZelX11WindowHost& host) {
   ZelAtspiOptions options;
-  options.applicationName = "Vantry";
   options.screenOrigin = [&host] { return host.screenOrigin(); };
   options.pixelScale = [&host] { return host.backingScale(); };
   return options;

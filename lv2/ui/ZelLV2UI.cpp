@@ -182,7 +182,6 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   // host's first idle call after that only copies it.
   ui->host_->pump();
   ZelAtspiOptions a11y;
-  a11y.applicationName = "Vantry";
   ZelX11WindowHost* x11 = ui->host_.get();
   a11y.screenOrigin = [x11] { return x11->screenOrigin(); };
   a11y.pixelScale = [x11] { return x11->backingScale(); };

@@ -185,7 +185,12 @@ struct ZelAtspiBridge::Impl {
   }
 
   std::uint32_t role(const Target& t) { return t.application ? kRoleApplication : atspiRole(t.element->role()); }
-  std::string displayName(const Target& t) { return t.application ? options.applicationName : t.element->name(); }
+  std::string displayName(const Target& t) {
+    if (!t.application) return t.element->name();
+    if (!options.applicationName.empty()) return options.applicationName;
+    ZelAccessible* root = tree();
+    return root ? root->name() : std::string();
+  }
 
   void appendParent(DBusMessageIter* it, const Target& t) {
     if (t.application) {

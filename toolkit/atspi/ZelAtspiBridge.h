@@ -35,7 +35,9 @@ class ZelAccessible;
 class ZelWindow;
 
 struct ZelAtspiOptions {
-  std::string applicationName;  // what the desktop lists ("Vantry")
+  // What the desktop lists ("Vantry"); empty: the name of the window's
+  // accessible tree (the product's name from its description).
+  std::string applicationName;
   std::string toolkitName = "Zel";
   std::string version;
   // The window's top-left corner on the screen, for screen coordinates
