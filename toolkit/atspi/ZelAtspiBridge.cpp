@@ -392,10 +392,16 @@ struct ZelAtspiBridge::Impl {
     } else if (member == "GetAttributes") {
       DBusMessageIter array, entry;
       dbus_message_iter_open_container(it, DBUS_TYPE_ARRAY, "{ss}", &array);
-      dbus_message_iter_open_container(&array, DBUS_TYPE_DICT_ENTRY, nullptr, &entry);
-      appendString(&entry, "toolkit");
-      appendString(&entry, options.toolkitName);
-      dbus_message_iter_close_container(&array, &entry);
+      auto attribute = [&](const std::string& key, const std::string& value) {
+        dbus_message_iter_open_container(&array, DBUS_TYPE_DICT_ENTRY, nullptr, &entry);
+        appendString(&entry, key);
+        appendString(&entry, value);
+        dbus_message_iter_close_container(&array, &entry);
+      };
+      attribute("toolkit", options.toolkitName);
+      // A value's text with its unit ("1.00 kHz"): screen readers say it
+      // instead of the bare number.
+      if (t.element && t.element->value()) attribute("valuetext", t.element->description());
       dbus_message_iter_close_container(it, &array);
     } else if (member == "GetApplication") {
       appendRef(it, busName, kRootPath);
@@ -620,6 +626,10 @@ struct ZelAtspiBridge::Impl {
         for (const StateName& st : kStates)
           if (st.flag == e.state)
             emit(path, "org.a11y.atspi.Event.Object", "StateChanged", st.name, e.on ? 1 : 0, zero);
+        // A window that becomes the active one is where screen readers look.
+        if (e.state == ZelAccessibleActive && element->role() == ZelAccessibleRole::Window)
+          emit(path, "org.a11y.atspi.Event.Window", e.on ? "Activate" : "Deactivate", "", 0,
+               [](DBusMessageIter* it) { appendStringVariant(it, ""); });
         break;
       case Kind::Focus:
         emit(path, "org.a11y.atspi.Event.Focus", "Focus", "", 0, zero);
