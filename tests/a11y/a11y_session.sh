@@ -38,3 +38,15 @@ start_a11y_bus() {
   dbus-send --session --dest=org.a11y.Bus /org/a11y/bus org.freedesktop.DBus.Properties.Set \
     string:org.a11y.Status string:IsEnabled variant:boolean:true 2>/dev/null
 }
+
+# wait_window REGEX: prints the first X window whose name matches, waiting
+# up to 30 s; prints nothing when none came.
+wait_window() {
+  local window=""
+  for _ in $(seq 300); do
+    window=$(xdotool search --name "$1" 2>/dev/null | head -1)
+    [ -n "$window" ] && break
+    sleep 0.1
+  done
+  echo "$window"
+}

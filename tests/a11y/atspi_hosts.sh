@@ -43,12 +43,7 @@ start_a11y_bus
 (cd "$work" && timeout 120 "$host" --bundle "$bundle" "$work/host.lv2s" >"$work/host.out" 2>&1) &
 hostpid=$!
 pids+=($hostpid)
-window=""
-for _ in $(seq 300); do
-  window=$(xdotool search --name '^zel-lv2-host' 2>/dev/null | head -1)
-  [ -n "$window" ] && break
-  sleep 0.1
-done
+window=$(wait_window '^zel-lv2-host')
 if [ -z "$window" ]; then
   fail "zel-lv2-host showed no window"
 else
@@ -69,12 +64,7 @@ if command -v jalv.gtk3 >/dev/null && command -v jackd >/dev/null; then
   for _ in $(seq 100); do jack_lsp >/dev/null 2>&1 && break; sleep 0.1; done
   jalv.gtk3 "https://www.zel-audio.example/plugins/vantry#stereo" >"$work/jalv.log" 2>&1 &
   pids+=($!)
-  window=""
-  for _ in $(seq 300); do
-    window=$(xdotool search --name '^Vantry' 2>/dev/null | head -1)
-    [ -n "$window" ] && break
-    sleep 0.1
-  done
+  window=$(wait_window '^Vantry')
   if [ -z "$window" ]; then
     cat "$work/jalv.log"
     fail "jalv.gtk3 showed no Vantry window"

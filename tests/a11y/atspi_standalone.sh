@@ -30,12 +30,8 @@ run() {
   "$vantry" --no-audio --session "$work/$name.plist" "${opts[@]}" >"$work/$name.log" 2>&1 &
   local app=$!
   pids+=($app)
-  local window=""
-  for _ in $(seq 300); do
-    window=$(xdotool search --name '^Vantry$' 2>/dev/null | head -1)
-    [ -n "$window" ] && break
-    sleep 0.1
-  done
+  local window
+  window=$(wait_window '^Vantry$')
   [ -n "$window" ] || { cat "$work/$name.log"; fail "$name: no Vantry window"; return; }
   for _ in $(seq 100); do grep -q "on the accessibility bus" "$work/$name.log" && break; sleep 0.1; done
   grep -q "on the accessibility bus" "$work/$name.log" || fail "$name: vantry did not say it joined the accessibility bus"
