@@ -136,6 +136,7 @@ struct ZelAtspiBridge::Impl {
   std::string busName;                       // our unique name
   std::string desktopName, desktopPath;      // the registry's desktop: our parent
   ZelAccessibleWatcher watcher;
+  const ZelAccessible* lastRoot = nullptr;  // compared only, never used
   ZelRunLoop::Handle timer = 0;
 
   Impl(ZelWindow& w, ZelAtspiOptions o) : window(w), options(std::move(o)) {}
@@ -796,6 +797,19 @@ void ZelAtspiBridge::dispatch() {
 void ZelAtspiBridge::look() {
   if (!isConnected()) return;
   ZelAccessible* root = impl_->tree();
+  // A new editor (a reloaded description) is a new tree under the same
+  // application: say so, so that readers drop what they kept of the old.
+  if (root != impl_->lastRoot && impl_->lastRoot) {
+    const std::string path = root ? elementPath(*root) : std::string(kNullPath);
+    impl_->emit(kRootPath, "org.a11y.atspi.Event.Object", "ChildrenChanged", root ? "add" : "remove", 0,
+                [&](DBusMessageIter* it) {
+                  DBusMessageIter v;
+                  dbus_message_iter_open_container(it, DBUS_TYPE_VARIANT, "(so)", &v);
+                  appendRef(&v, impl_->busName, path);
+                  dbus_message_iter_close_container(it, &v);
+                });
+  }
+  impl_->lastRoot = root;
   for (const ZelAccessibleEvent& e : impl_->watcher.look(root)) impl_->send(*root, e);
 }
 
