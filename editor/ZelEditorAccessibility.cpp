@@ -1,5 +1,6 @@
 #include "editor/ZelEditorAccessibility.h"
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -33,8 +34,14 @@ class WindowElement final : public ZelViewAccessible {
   std::string description() const override {
     return ui_.config() ? ui_.config()->metadata().pluginLongName : std::string();
   }
+  // Active while it has the keyboard; an editor embedded in a host may
+  // take keys without being told it has the focus: a focused control
+  // says so then.
   ZelAccessibleStates states() const override {
-    return visibility() | ZelAccessibleEnabled | (ui_.hasFocus() ? ZelAccessibleStates{ZelAccessibleActive} : 0u);
+    const auto& controls = ui_.parameterControls();
+    const bool active = ui_.hasFocus() || std::any_of(controls.begin(), controls.end(),
+                                                      [](const ZelParameterControl* c) { return c->focused(); });
+    return visibility() | ZelAccessibleEnabled | (active ? ZelAccessibleStates{ZelAccessibleActive} : 0u);
   }
 
  private:

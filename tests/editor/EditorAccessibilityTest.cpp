@@ -170,16 +170,22 @@ TEST(ZelEditorAccessibility, TheWatcherReportsFocusAndValuesOncePerLook) {
   ZelAccessibleWatcher watcher;
   EXPECT_TRUE(watcher.look(h.root()).empty());  // the first look only learns
   using Kind = ZelAccessibleEvent::Kind;
-  // Tab: the focus moves to A.
+  // Tab: the focus moves to A. The window (which the host never told it
+  // has the focus, as when embedded) turns active first: screen readers
+  // follow the focus into the active window only.
+  ASSERT_FALSE(h.ui->hasFocus());
   h.ui->keyboard().tabToNextControlWithDirection(1);
   std::vector<ZelAccessibleEvent> events = watcher.look(h.root());
   const int a = h.element("A").identifier();
-  ASSERT_EQ(events.size(), 2u);
-  EXPECT_EQ(events[0].kind, Kind::State);
-  EXPECT_EQ(events[0].state, ZelAccessibleFocused);
+  ASSERT_EQ(events.size(), 3u);
+  EXPECT_EQ(events[0].identifier, h.root()->identifier());
+  EXPECT_EQ(events[0].state, ZelAccessibleActive);
   EXPECT_TRUE(events[0].on);
-  EXPECT_EQ(events[1].kind, Kind::Focus);
-  EXPECT_EQ(events[1].identifier, a);
+  EXPECT_EQ(events[1].kind, Kind::State);
+  EXPECT_EQ(events[1].state, ZelAccessibleFocused);
+  EXPECT_TRUE(events[1].on);
+  EXPECT_EQ(events[2].kind, Kind::Focus);
+  EXPECT_EQ(events[2].identifier, a);
   // Automation moves B fifty times between two looks: one value event with
   // the last value.
   for (int i = 1; i <= 50; ++i) h.ui->updateParameterKeyed(2, static_cast<float>(i));
