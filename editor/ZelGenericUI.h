@@ -43,6 +43,7 @@
 
 #include "controls/ZelParameterControl.h"
 #include "editor/ZelDrawerView.h"
+#include "editor/ZelEditorAccessibility.h"
 #include "editor/ZelGenericUIDelegate.h"
 #include "editor/ZelKeyboardHandler.h"
 #include "sketch/ZelMeteringCallback.h"
@@ -238,6 +239,9 @@ class ZelGenericUI : public ZelView,
   bool keyDown(const ZelEvent& event) override;
   bool performKeyEquivalent(const ZelEvent& event) override;
   bool flagsChanged(const ZelEvent& event) override;
+  // The editor's accessible tree (ZelEditorAccessibility.cpp), made on
+  // first use.
+  ZelAccessible* accessibilityElement() override;
 
  private:
   void computeLayout();
@@ -293,6 +297,7 @@ class ZelGenericUI : public ZelView,
   ZelMeteringCallback meteringCallback_;
   Layout layout_;
   ZelNotificationCenter::Observation themeObservation_;
+  std::unique_ptr<ZelEditorAccessibility> accessibility_;
 };
 
 ZEL_NAMESPACE_END

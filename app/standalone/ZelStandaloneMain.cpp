@@ -43,6 +43,7 @@
 #include "host/ZelHostView.h"
 #include "model/ZelConfig.h"
 #ifdef ZEL_VANTRY_HAVE_X11
+#include "toolkit/atspi/ZelAtspiBridge.h"
 #include "toolkit/x11/ZelX11EventWait.h"
 #include "toolkit/x11/ZelX11WindowHost.h"
 #endif
@@ -233,6 +234,14 @@ ZelSessionState readSession(const std::string& path) {
   return reading.state;
 }
 
+// How the app shows itself to screen readers.
+ZelAtspiOptions accessibilityOptions(ZelX11WindowHost& host) {
+  ZelAtspiOptions options;
+  options.screenOrigin = [&host] { return host.screenOrigin(); };
+  options.pixelScale = [&host] { return host.backingScale(); };
+  return options;
+}
+
 volatile std::sig_atomic_t gStopRequested = 0;
 ZelX11WakePipe* gWakeForSignals = nullptr;
 
@@ -338,13 +347,18 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
       watcher->start();
     }
     host->show();
+    // Screen readers: only when the desktop runs the accessibility bus.
+    std::unique_ptr<ZelAtspiBridge> a11y = ZelAtspiBridge::connect(window, accessibilityOptions(*host));
+    if (a11y) std::fprintf(stderr, "vantry: on the accessibility bus as %s\n", a11y->uniqueName().c_str());
     while (!gStopRequested && host->pump()) {
 #ifdef ZEL_VANTRY_HAVE_JACK
       if (audio) audio->service();
 #endif
+      if (a11y) a11y->dispatch();
       if (firstPaint < 0 && host->redrawCount() > 0) firstPaint = millisecondsSinceStart();
-      ZelX11WaitForEvents(*host, &wake);
+      ZelX11WaitForEvents(*host, &wake, -1, a11y ? a11y->fileDescriptor() : -1);
     }
+    a11y.reset();
     // The sound stops before anything it plays goes; then the session.
 #ifdef ZEL_VANTRY_HAVE_JACK
     if (audio) {

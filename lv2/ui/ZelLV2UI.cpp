@@ -22,6 +22,7 @@
 #include "lv2/common/ZelVantryURIs.h"
 #include "lv2/ui/ZelLV2Connection.h"
 #include "theme/ZelUITheme.h"
+#include "toolkit/atspi/ZelAtspiBridge.h"
 #include "toolkit/core/ZelWindow.h"
 #include "toolkit/foundation/ZelBundle.h"
 #include "toolkit/foundation/ZelRunLoop.h"
@@ -83,8 +84,13 @@ class ZelVantryUI {
   void portEvent(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
     connection_->portEvent(port, size, format, buffer);
   }
-  // 0 while the window is open, 1 once it was closed or destroyed.
-  int idle() { return host_->pump() ? 0 : 1; }
+  // 0 while the window is open, 1 once it was closed or destroyed. The
+  // accessibility bus is answered here too (between the host's idle calls
+  // requests wait).
+  int idle() {
+    if (a11y_) a11y_->dispatch();
+    return host_->pump() ? 0 : 1;
+  }
 
  private:
   ZelVantryUI() = default;
@@ -100,6 +106,9 @@ class ZelVantryUI {
   std::unique_ptr<ZelWindow> window_;
   std::unique_ptr<ZelX11WindowHost> host_;
   std::unique_ptr<ZelLV2Connection> connection_;
+  // On the accessibility bus as an application of its own, beside the
+  // host's (null without the bus).
+  std::unique_ptr<ZelAtspiBridge> a11y_;
   ZelHostView* view_ = nullptr;  // owned by the window
   double baseScale_ = 1;         // the host's scale (or the screen's), before the user's zoom
   double zoom_ = 1;              // the user's zoom, whether or not the host's window holds it
@@ -205,6 +214,11 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   // The first frame is drawn now, before the host shows its window: the
   // host's first idle call after that only copies it.
   ui->host_->pump();
+  ZelAtspiOptions a11y;
+  ZelX11WindowHost* x11 = ui->host_.get();
+  a11y.screenOrigin = [x11] { return x11->screenOrigin(); };
+  a11y.pixelScale = [x11] { return x11->backingScale(); };
+  ui->a11y_ = ZelAtspiBridge::connect(*ui->window_, std::move(a11y));
   *widget = reinterpret_cast<LV2UI_Widget>(ui->host_->xWindow());
   return ui.release();
 }
@@ -212,6 +226,7 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
 ZelVantryUI::~ZelVantryUI() {
   // The view goes first (it lets go of the connection), then the X window
   // host (its cairo surfaces before its own X connection), then the window.
+  a11y_.reset();
   if (window_) window_->setContentView(std::make_unique<ZelView>());
   host_.reset();
   window_.reset();

@@ -38,6 +38,7 @@
 
 ZEL_NAMESPACE_BEGIN
 
+class ZelAccessible;
 class ZelWindow;
 class ZelMenu;
 
@@ -176,6 +177,11 @@ class ZelView : private ZelLayerHost {
   // offers it to each visible subview in order and stops at the first that
   // handles it.
   virtual bool performKeyEquivalent(const ZelEvent& event);
+
+  // ---- Accessibility: the tree that assistive technology is shown for
+  // this view's subtree (owned by the view), or nullptr; a backend uses
+  // the first one it meets from the content view down.
+  virtual ZelAccessible* accessibilityElement() { return nullptr; }
 
  private:
   // The fade of the alpha on the frame clock.

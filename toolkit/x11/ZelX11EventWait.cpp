@@ -51,19 +51,16 @@ int pollTimeoutMilliseconds(std::optional<double> next, double maxWait) {
 
 }  // namespace
 
-bool ZelX11WaitForEvents(ZelX11WindowHost& host, ZelX11WakePipe* wakePipe, double maxWait) {
+bool ZelX11WaitForEvents(ZelX11WindowHost& host, ZelX11WakePipe* wakePipe, double maxWait, int otherFd) {
   XFlush(host.display());
   int timeout = pollTimeoutMilliseconds(host.nextTimeout(), maxWait);
   if (timeout == 0) return true;
-  pollfd fds[2] = {{host.fileDescriptor(), POLLIN, 0}, {-1, POLLIN, 0}};
-  nfds_t count = 1;
-  if (wakePipe && wakePipe->isValid()) {
-    fds[1].fd = wakePipe->fileDescriptor();
-    count = 2;
-  }
-  int r = poll(fds, count, timeout);
+  // A negative descriptor is ignored by poll.
+  pollfd fds[3] = {{host.fileDescriptor(), POLLIN, 0}, {-1, POLLIN, 0}, {otherFd, POLLIN, 0}};
+  if (wakePipe && wakePipe->isValid()) fds[1].fd = wakePipe->fileDescriptor();
+  int r = poll(fds, 3, timeout);
   if (r < 0 && errno != EINTR) return false;
-  if (count == 2 && (fds[1].revents & POLLIN)) wakePipe->drain();
+  if (fds[1].fd >= 0 && (fds[1].revents & POLLIN)) wakePipe->drain();
   return true;
 }
 

@@ -39,7 +39,8 @@ class ZelX11WakePipe {
 
 // Flushes the connection, then sleeps until X events arrive, the pipe (may
 // be null) is woken, the host's next timeout passes or `maxWait` seconds
-// (negative: no limit) have gone by. Returns false when poll fails.
-bool ZelX11WaitForEvents(ZelX11WindowHost& host, ZelX11WakePipe* wakePipe, double maxWait = -1);
+// (negative: no limit) have gone by, or `otherFd` (when not negative: the
+// accessibility bus, say) becomes readable. Returns false when poll fails.
+bool ZelX11WaitForEvents(ZelX11WindowHost& host, ZelX11WakePipe* wakePipe, double maxWait = -1, int otherFd = -1);
 
 ZEL_NAMESPACE_END

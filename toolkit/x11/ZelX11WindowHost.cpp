@@ -486,4 +486,12 @@ void ZelX11WindowHost::handleClientMessage(const XEvent& event) {
   if (closeHandler_) closeHandler_();
 }
 
+CGPoint ZelX11WindowHost::screenOrigin() const {
+  if (!xWindow_) return CGPointMake(0, 0);
+  int x = 0, y = 0;
+  ::Window child = 0;
+  if (!XTranslateCoordinates(display(), xWindow_, connection_->rootWindow(), 0, 0, &x, &y, &child)) return CGPointMake(0, 0);
+  return CGPointMake(x, y);
+}
+
 ZEL_NAMESPACE_END

@@ -116,6 +116,9 @@ class ZelX11WindowHost final : public ZelPlatformWindow {
   ZelX11Pasteboard& x11Pasteboard() { return *pasteboard_; }
   ZelX11BackBuffer& backBuffer() { return *backBuffer_; }
   bool usesInputMethod() const { return keyboard_->usesInputMethod(); }
+  // Where the window's top-left corner is on the screen, in pixels (asks
+  // the server; 0, 0 when it cannot say).
+  CGPoint screenOrigin() const;
   // Redraws done so far (each pump draws at most once).
   std::size_t redrawCount() const { return redraws_; }
 
