@@ -2,7 +2,8 @@
 # A product is its folder: tests/products/scratch (a description with three
 # parameters, a pass-through unit, manual texts) copied alone into a
 # temporary folder is built against this build tree by zel_add_product
-# (cmake/ZelProductProject), and its bundle is then what a host expects:
+# (cmake/ZelProductProject), and its bundle is then what a host expects
+# (zel-describe checks the description first):
 # the Turtle valid, the library exporting its descriptor only, and lilv
 # finding, running and restoring both plug-ins (zel-load-scratch).
 #   scratch_product.sh SOURCE_DIR BUILD_DIR ZEL_LOAD_SCRATCH
@@ -15,6 +16,8 @@ trap 'rm -rf "$work"' EXIT
 fail() { echo "FAIL: $*"; exit 1; }
 
 cp -r "$src/tests/products/scratch" "$work/scratch"
+# zel-describe reads any product's description; this one is clean.
+"$tree/bin/zel-describe" check "$work/scratch/config.plist" || fail "zel-describe check finds fault with the description"
 cmake -S "$src/cmake/ZelProductProject" -B "$work/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DZEL_BUILD_TREE="$tree" -DZEL_PRODUCT_DIRS="$work/scratch" >"$work/configure.log" 2>&1 ||
   { cat "$work/configure.log"; fail "the scratch product does not configure"; }
