@@ -35,7 +35,7 @@ class ZelAccessible;
 class ZelWindow;
 
 struct ZelAtspiOptions {
-  // What the desktop lists ("Vantry"); empty: the name of the window's
+  // What the desktop lists; empty: the name of the window's
   // accessible tree (the product's name from its description).
   std::string applicationName;
   std::string toolkitName = "Zel";
