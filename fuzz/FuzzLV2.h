@@ -27,7 +27,7 @@ namespace ids = zel_vantry_lv2;
 // Ids 1-19 in this order; fuzz/seeds/make_lv2_seeds.py uses the same.
 inline const char* const kFixedURIs[] = {
     LV2_ATOM__Sequence, LV2_ATOM__Object,   LV2_ATOM__Blank,  LV2_ATOM__String,   LV2_ATOM__Int,
-    LV2_ATOM__Bool,     LV2_ATOM__URID,     ids::kSetMessage, ids::kGetMessage,   LV2_PATCH__property,
+    LV2_ATOM__Bool,     LV2_ATOM__URID,     zel_lv2::kSetMessage, zel_lv2::kGetMessage,   LV2_PATCH__property,
     LV2_PATCH__value,   ids::kPresetName,   ids::kTheme,      ids::kThemeToggle,  ids::kZoom,
     ids::kChannelsIn,   ids::kChannelsOut,  LV2_ATOM__eventTransfer, LV2_ATOM__Float};
 enum Fixed : LV2_URID {

@@ -231,7 +231,7 @@ struct Property {
 // object's size field when not 0.
 std::vector<std::uint8_t> object(Instance& p, const std::vector<Property>& props, std::uint32_t objectSize = 0) {
   Bytes o;
-  o.u32(0), o.u32(p.urid(LV2_ATOM__Object)), o.u32(0), o.u32(p.urid(ids::kSetMessage));
+  o.u32(0), o.u32(p.urid(LV2_ATOM__Object)), o.u32(0), o.u32(p.urid(zel_lv2::kSetMessage));
   for (const Property& prop : props) {
     o.u32(prop.key), o.u32(0), o.u32(prop.declaredSize), o.u32(prop.type);
     o.raw(prop.value);
@@ -486,7 +486,7 @@ TEST(Lv2RealTime, RunNeverAllocatesLocksOrWaits) {
     Instance p(index);
     ASSERT_TRUE(p.ok());
     const LV2_URID name = p.urid(ids::kPresetName), toggle = p.urid(ids::kThemeToggle), theme = p.urid(ids::kTheme);
-    (void)p.urid(ids::kGetMessage), (void)p.urid(ids::kSetMessage), (void)p.urid(LV2_PATCH__property);
+    (void)p.urid(zel_lv2::kGetMessage), (void)p.urid(zel_lv2::kSetMessage), (void)p.urid(LV2_PATCH__property);
     (void)p.urid(LV2_PATCH__value), (void)p.urid(LV2_ATOM__String), (void)p.urid(LV2_ATOM__Bool);
     (void)p.urid(LV2_ATOM__URID);
     std::vector<float> l = sine(8192, 440), r = sine(8192, 660);

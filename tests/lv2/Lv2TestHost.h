@@ -154,7 +154,7 @@ class Instance {
   void sendGet(LV2_URID property = 0) {
     LV2_Atom_Forge_Frame f;
     lv2_atom_forge_frame_time(&forge_, 0);
-    lv2_atom_forge_object(&forge_, &f, 0, urid(ids::kGetMessage));
+    lv2_atom_forge_object(&forge_, &f, 0, urid(zel_lv2::kGetMessage));
     if (property) {
       lv2_atom_forge_key(&forge_, urid(LV2_PATCH__property));
       lv2_atom_forge_urid(&forge_, property);
@@ -196,7 +196,7 @@ class Instance {
   std::map<std::string, std::string> replies() {
     std::map<std::string, std::string> out;
     for (const Message& m : messages()) {
-      if (m.kind != urid(ids::kSetMessage)) continue;
+      if (m.kind != urid(zel_lv2::kSetMessage)) continue;
       out[map_.unmap(m.property)] = m.valueType == urid(LV2_ATOM__String) ? m.text : std::to_string(m.number);
     }
     return out;
@@ -213,7 +213,7 @@ class Instance {
  private:
   void beginSet(LV2_URID key, LV2_Atom_Forge_Frame& f) {
     lv2_atom_forge_frame_time(&forge_, 0);
-    lv2_atom_forge_object(&forge_, &f, 0, urid(ids::kSetMessage));
+    lv2_atom_forge_object(&forge_, &f, 0, urid(zel_lv2::kSetMessage));
     lv2_atom_forge_key(&forge_, urid(LV2_PATCH__property));
     lv2_atom_forge_urid(&forge_, key);
     lv2_atom_forge_key(&forge_, urid(LV2_PATCH__value));

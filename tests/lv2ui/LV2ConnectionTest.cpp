@@ -54,7 +54,7 @@ struct Host {
     lv2_atom_forge_init(&forge, &map);
     lv2_atom_forge_set_buffer(&forge, buffer.data(), buffer.size());
     LV2_Atom_Forge_Frame frame;
-    auto* object = reinterpret_cast<LV2_Atom*>(lv2_atom_forge_object(&forge, &frame, 0, id(ids::kSetMessage)));
+    auto* object = reinterpret_cast<LV2_Atom*>(lv2_atom_forge_object(&forge, &frame, 0, id(zel_lv2::kSetMessage)));
     lv2_atom_forge_key(&forge, id(LV2_PATCH__property));
     lv2_atom_forge_urid(&forge, id(property));
     lv2_atom_forge_key(&forge, id(LV2_PATCH__value));
@@ -151,7 +151,7 @@ TEST(LV2Connection, PrivateStateTravelsAsPatchMessages) {
     EXPECT_EQ(w.format, f.host.id(LV2_ATOM__eventTransfer));
   }
   auto object = [&](std::size_t i) { return reinterpret_cast<const LV2_Atom_Object*>(f.host.writes[i].bytes.data()); };
-  EXPECT_EQ(object(0)->body.otype, f.host.id(ids::kGetMessage));
+  EXPECT_EQ(object(0)->body.otype, f.host.id(zel_lv2::kGetMessage));
   const LV2_Atom* property = nullptr;
   const LV2_Atom* value = nullptr;
   lv2_atom_object_get(object(1), f.host.id(LV2_PATCH__property), &property, f.host.id(LV2_PATCH__value), &value, 0);
