@@ -30,7 +30,7 @@ struct ZelProductVariant {
   int channels;
 };
 
-// What the LV2 plug-in and its editor agree on (see cmake/make_lv2_uris.py):
+// What the LV2 plug-in and its editor agree on (lv2/tools/make_turtle.py):
 // URIs, the keys of the plug-in's state and messages, the port layout.
 struct ZelProductLV2 {
   const char* pluginURIPrefix;
