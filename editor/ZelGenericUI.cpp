@@ -10,7 +10,7 @@
 #include "editor/ZelPresetBar.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "toolkit/widgets/ZelSymbolButton.h"
-#include "host/ZelSpeedLim.h"
+#include "toolkit/foundation/ZelSpeedLim.h"
 #include "sketch/ZelParameterSketch.h"
 #include "theme/ZelUITheme.h"
 #include "editor/containers/ZelClumpView.h"

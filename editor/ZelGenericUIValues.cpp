@@ -7,7 +7,7 @@
 #include "editor/ZelPresetBar.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "toolkit/widgets/ZelSymbolButton.h"
-#include "host/ZelSpeedLim.h"
+#include "toolkit/foundation/ZelSpeedLim.h"
 #include "model/ZelConfig.h"
 #include "sketch/ZelParameterSketch.h"
 
