@@ -81,41 +81,17 @@ for pair in host/A.cpp:editor/B.h toolkit/x11/A.cpp:toolkit/cairo/B.h lv2/ui/A.c
   runs_up "${pair%%:*}" "${pair#*:}" && { echo "FAIL: the layer rule forbids ${pair%%:*} to include ${pair#*:}"; failed=1; }
 done
 
-# Up-includes still being taken out: the generic adapters and the bridge
-# reach Vantry's unit and sketch directly until every product's unit is
-# reached through the unit interface and its sketch through the factory.
-# Each entry is FILE:INCLUDED; an entry that no longer occurs is only noted.
-pending=(
-  app/process/ZelProcessCommand.cpp:products/vantry/unit/ZelVantryUnit.h
-  app/standalone/ZelLiveUnit.h:products/vantry/unit/ZelVantryUnit.h
-  app/standalone/ZelStandaloneUnit.h:products/vantry/unit/ZelVantryUnit.h
-  host/ZelHostView.cpp:products/vantry/sketch/ZelVantryParameterSketch.h
-  lv2/dsp/ZelLV2Plugin.cpp:products/vantry/unit/ZelVantryUnit.h
-)
-is_pending() {
-  local entry
-  for entry in "${pending[@]}"; do [ "$entry" = "$1:$2" ] && return 0; done
-  return 1
-}
-seen_pending=()
-
 while IFS= read -r file; do
   file=${file#./}
   [ -n "$(layer_of "$file")" ] || continue
   while IFS=: read -r line included; do
-    if is_pending "$file" "$included"; then
-      seen_pending+=("$file:$included")
-    elif runs_up "$file" "$included"; then
+    if runs_up "$file" "$included"; then
       echo "FAIL: $file:$line includes $included, from a layer above"
       failed=1
     fi
   done < <(grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"[^"]+"' "$file" |
     sed -E 's/^([0-9]+):[^"]*"([^"]+)".*/\1:\2/')
 done < <(product_sources)
-
-for entry in "${pending[@]}"; do
-  [[ " ${seen_pending[*]} " == *" $entry "* ]] || echo "note: $entry no longer occurs; take it off the pending list"
-done
 
 # The check itself must see sources: an empty scan would pass anything.
 [ "$(product_sources | wc -l)" -gt 100 ] || { echo "FAIL: no product sources found under $1"; failed=1; }
