@@ -120,13 +120,15 @@ function(zel_add_product slug)
     OUTPUT ${tableHeader}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${gen}/dsp
     COMMAND Python3::Interpreter ${ZEL_SOURCE_DIR}/dsp/tools/make_parameter_table.py ${config} ${tableHeader}
-    DEPENDS ${ZEL_SOURCE_DIR}/dsp/tools/make_parameter_table.py ${config}
+    DEPENDS ${ZEL_SOURCE_DIR}/dsp/tools/make_parameter_table.py ${config} ${ZEL_SOURCE_DIR}/model/ZelDescriptionSchema.h
+            ${ZEL_SOURCE_DIR}/model/tools/zel_description_schema.py
     COMMENT "Generating ${slug}'s parameter table"
     VERBATIM)
   add_custom_command(
     OUTPUT ${turtle} ${urisHeader}
     COMMAND Python3::Interpreter ${ZEL_SOURCE_DIR}/lv2/tools/make_turtle.py ${config} ${bundle} --header ${urisHeader} ${noUI}
     DEPENDS ${ZEL_SOURCE_DIR}/lv2/tools/make_turtle.py ${ZEL_SOURCE_DIR}/dsp/tools/make_parameter_table.py ${config}
+            ${ZEL_SOURCE_DIR}/model/ZelDescriptionSchema.h ${ZEL_SOURCE_DIR}/model/tools/zel_description_schema.py
     COMMENT "Generating ${slug}'s LV2 Turtle files and URI header"
     VERBATIM)
   add_custom_target(${slug}_generated DEPENDS ${tableHeader} ${urisHeader})

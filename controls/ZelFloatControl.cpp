@@ -21,15 +21,6 @@ void ZelTransientBufferDisplayClear(ZelView* object) {
   if (display && display->displayingTransientBufferValue()) display->discardTransientBufferValue();
 }
 
-ZelBoxedValue NSValueWithCGRect(CGRect rect) { return rect; }
-ZelBoxedValue NSValueWithCGPoint(CGPoint point) { return point; }
-
-CGRect RectFromNSValue(const ZelBoxedValue& value) {
-  if (!value) return CGRectZero;
-  const CGRect* rect = std::get_if<CGRect>(&*value);
-  return rect ? *rect : CGRectZero;
-}
-
 ZelFloatControl::ZelFloatControl(CGRect frame, const ZelParameter* parameter)
     : ZelControl(frame), parameter_(parameter) {
   setWantsLayer(true);

@@ -19,7 +19,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <variant>
 
 #include "model/ZelParameter.h"
 #include "toolkit/core/ZelControl.h"
@@ -88,13 +87,6 @@ class ZelTransientBufferDisplay {
 // If `object` adopts ZelTransientBufferDisplay and is displaying a typed
 // value, makes it discard it; otherwise nothing. nullptr is fine.
 void ZelTransientBufferDisplayClear(ZelView* object);
-
-// Boxed geometry, for keeping rectangles and points in optional slots.
-using ZelBoxedValue = std::optional<std::variant<CGRect, CGPoint>>;
-ZelBoxedValue NSValueWithCGRect(CGRect rect);
-ZelBoxedValue NSValueWithCGPoint(CGPoint point);
-// The boxed rectangle; the zero rectangle for none (or a boxed point).
-CGRect RectFromNSValue(const ZelBoxedValue& value);
 
 class ZelFloatControl : public ZelControl {
  public:

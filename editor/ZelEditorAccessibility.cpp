@@ -187,7 +187,7 @@ class ParameterElement final : public ZelViewAccessible {
   bool grabFocus() override {
     if (!usable() || isPower() || !(visibility() & ZelAccessibleShowing)) return false;
     if (isPreset()) return false;
-    ui_.bringParameterControlIntoFocus(&control_);
+    ui_.focus().bringParameterControlIntoFocus(&control_);
     return control_.focused();
   }
 
@@ -300,10 +300,10 @@ void ZelEditorAccessibility::build() {
   }
 
   if (ZelPowerBox* box = ui.powerBox()) {
-    make<ButtonElement>(power, box->book(), "Manual", [&ui] { ui.bookTapped(); });
+    make<ButtonElement>(power, box->book(), "Manual", [&ui] { ui.hostLink().bookTapped(); });
     if (box->hasAdvancedControls())
-      make<ButtonElement>(power, box->gear(), "Advanced controls", [&ui] { ui.gearTapped(); }, true);
-    make<ButtonElement>(power, box->themeButton(), "Light or dark theme", [&ui] { ui.toggleUITheme(); });
+      make<ButtonElement>(power, box->gear(), "Advanced controls", [&ui] { ui.drawers().gearTapped(); }, true);
+    make<ButtonElement>(power, box->themeButton(), "Light or dark theme", [&ui] { ui.hostLink().toggleUITheme(); });
     ZelLogoStamp* logo = box->logo();
     make<ButtonElement>(power, logo, "About", [logo] {
       if (ZelWindow* w = logo->window()) {

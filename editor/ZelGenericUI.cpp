@@ -1,5 +1,6 @@
-// The editor's assembly: construction, regions, the sub-views, the registry
-// of controls, the deferred drawer step, drawing, keys and teardown.
+// The editor's assembly: construction of the pieces, regions, the sub-views,
+// the registry of controls, the deferred drawer step, the sketch, drawing,
+// keys and teardown.
 #include "editor/ZelGenericUI.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include "editor/ZelPresetBar.h"
 #include "editor/ZelPresetsDrawer.h"
 #include "toolkit/widgets/ZelSymbolButton.h"
-#include "host/ZelSpeedLim.h"
 #include "sketch/ZelParameterSketch.h"
 #include "theme/ZelUITheme.h"
 #include "editor/containers/ZelClumpView.h"
@@ -27,15 +27,19 @@ constexpr double kPresetBarHeight = 30;
 constexpr double kAdvancedInset = 14;
 constexpr double kDrawerStepDelay = 0.1;
 
+constexpr double kSketchFadeDuration = 1.0;
+constexpr double kFirstSketchUpdateDelay = 0.01;
+
 ZelRunLoop& requireRunLoop(ZelRunLoop* given) {
   ZelRunLoop* loop = given ? given : ZelRunLoop::current();
   if (!loop) throw std::invalid_argument("ZelGenericUI needs a run loop");
   return *loop;
 }
 
-// Runs `method` on the editor with no argument, for buttons.
-ZelControl::Action call(ZelGenericUI* ui, void (ZelGenericUI::*method)()) {
-  return [ui, method](ZelControl&) { (ui->*method)(); };
+// Runs `method` on a piece of the editor with no argument, for buttons.
+template <class Piece>
+ZelControl::Action call(Piece* piece, void (Piece::*method)()) {
+  return [piece, method](ZelControl&) { (piece->*method)(); };
 }
 
 }  // namespace
@@ -43,25 +47,19 @@ ZelControl::Action call(ZelGenericUI* ui, void (ZelGenericUI::*method)()) {
 ZelGenericUI::ZelGenericUI(CGRect frame, const ZelConfig* config, ZelRunLoop* runLoop)
     : ZelView(frame), runLoop_(requireRunLoop(runLoop)) {
   setIdentifier("editor");
-  sketchSpeedLim_ = std::make_unique<ZelSpeedLim>(runLoop_);
-  advFlashLim_ = std::make_unique<ZelSpeedLim>(runLoop_);
-  advFlashLim_->setTrailing(false);
-  const std::size_t count = config ? static_cast<std::size_t>(std::max<std::int64_t>(0, config->numParameters())) : 0;
-  memoizedPValues_.assign(count, 0.0f);
-  memoizedPValuesChanged_.assign(count, 0);
-  if (config) {
-    config->enumerateParameters([this](const ZelParameter& p, const ZelClump&) {
-      if (p.pid < 0 || p.pid >= static_cast<std::int64_t>(memoizedPValues_.size())) return;
-      memoizedPValues_[static_cast<std::size_t>(p.pid)] = p.initialValue;
-      memoizedPValuesChanged_[static_cast<std::size_t>(p.pid)] = 1;
-    });
-  }
+  hostLink_ = std::make_unique<ZelEditorHostLink>(*this);
+  values_ = std::make_unique<ZelEditorValues>(*this, config, runLoop_);
+  rules_ = std::make_unique<ZelInteractionRules>(*this);
+  presets_ = std::make_unique<ZelEditorPresets>(*this);
+  undo_ = std::make_unique<ZelEditorUndo>(*this);
   keyboard_ = std::make_unique<ZelKeyboardHandler>();
   keyboard_->setConfig(config);
+  focus_ = std::make_unique<ZelEditorFocus>(*this);
+  drawers_ = std::make_unique<ZelEditorDrawers>(*this, runLoop_);
   setConfig(config);
   themeObservation_ = ZelNotificationCenter::defaultCenter().addObserver(
       kZelUIThemeUpdatedNotification, nullptr, [this](const ZelNotification&) { setNeedsDisplay(); });
-  potentiallySaveToUndoRedoStack();
+  undo_->potentiallySaveToUndoRedoStack();
 }
 
 ZelGenericUI::~ZelGenericUI() { teardown(); }
@@ -76,24 +74,16 @@ void ZelGenericUI::teardown() {
     if (control->superview()) control->removeFromSuperview();
   }
   parameterControls_.clear();
-  focusedControl_ = wasFocusedControl_ = nullptr;
-  waitingDrawer_ = nullptr;
-  for (ZelDrawerView* drawer : {advDrawer_, static_cast<ZelDrawerView*>(presetDrawer_)}) {
-    if (!drawer) continue;
-    drawer->setDelegate(nullptr);
-    drawer->setMiniatureDelegate(nullptr);
-  }
+  focus_->clear();
+  drawers_->detach();
   // Everything below the editor goes now, while the editor is whole.
   while (!subviews().empty()) subviews().back()->removeFromSuperview();
-  advDrawer_ = nullptr;
-  presetDrawer_ = nullptr;
   sketch_ = nullptr;
   powerBox_ = nullptr;
   presetBar_ = nullptr;
   clumpsView_ = advClumpsView_ = nullptr;
   pendingAdvClumpsView_.reset();
-  memoizedPValues_.clear();
-  memoizedPValuesChanged_.clear();
+  values_->clear();
   keyboard_->setUi(nullptr);
   runLoop_.cancelAllForTarget(this);
 }
@@ -126,12 +116,13 @@ void ZelGenericUI::addPowerBox() {
   auto box = std::make_unique<ZelPowerBox>(layout_.powerBox, power.empty() ? nullptr : power.front(),
                                            config_->hasAdvancedControls());
   box->setMetadata(&config_->metadata());
-  box->book()->setAction(call(this, &ZelGenericUI::bookTapped));
-  box->gear()->setAction(call(this, &ZelGenericUI::gearTapped));
-  box->themeButton()->setAction(call(this, &ZelGenericUI::toggleUITheme));
-  box->logo()->setAction(call(this, &ZelGenericUI::logoTapped));
-  box->logo()->setZoomActions({kZoomSteps.begin(), kZoomSteps.end()}, [this] { return zoom_; },
-                              [this](double zoom) { zoomTo(zoom); });
+  ZelEditorHostLink* link = hostLink_.get();
+  box->book()->setAction(call(link, &ZelEditorHostLink::bookTapped));
+  box->gear()->setAction(call(drawers_.get(), &ZelEditorDrawers::gearTapped));
+  box->themeButton()->setAction(call(link, &ZelEditorHostLink::toggleUITheme));
+  box->logo()->setAction(call(link, &ZelEditorHostLink::logoTapped));
+  box->logo()->setZoomActions({ZelEditorHostLink::kZoomSteps.begin(), ZelEditorHostLink::kZoomSteps.end()},
+                              [link] { return link->zoom(); }, [link](double zoom) { link->zoomTo(zoom); });
   for (ZelControl* c : std::initializer_list<ZelControl*>{box->book(), box->gear(), box->themeButton(), box->logo()})
     c->setTarget(this);
   powerBox_ = addSubview(std::move(box));
@@ -150,16 +141,16 @@ void ZelGenericUI::addPresetBar() {
   if (presetBar_) return;
   auto bar = std::make_unique<ZelPresetBar>(layout_.presetBar, config_->presets());
   if (ZelParameterControl* preset = bar->presetControl()) {
-    preset->setTargetAction(this, &ZelGenericUI::presetUpdated);
-    preset->setDelegate(this);
+    preset->setTargetAction(presets_.get(), &ZelEditorPresets::presetUpdated);
+    preset->setDelegate(hostLink_.get());
   }
-  if (bar->save()) bar->save()->setAction(call(this, &ZelGenericUI::presetSaveTapped));
-  if (bar->more()) bar->more()->setAction(call(this, &ZelGenericUI::morePresetsTapped));
+  if (bar->save()) bar->save()->setAction(call(presets_.get(), &ZelEditorPresets::presetSaveTapped));
+  if (bar->more()) bar->more()->setAction(call(presets_.get(), &ZelEditorPresets::morePresetsTapped));
   ZelKeyboardHandler* keys = keyboard_.get();
   if (bar->undo()) bar->undo()->setAction([keys](ZelControl&) { keys->keyboardShortcutUndo(); });
   if (bar->redo()) bar->redo()->setAction([keys](ZelControl&) { keys->keyboardShortcutRedo(); });
   presetBar_ = addSubview(std::move(bar));
-  syncUndoRedoButtonsToStackState();
+  undo_->syncUndoRedoButtonsToStackState();
 }
 
 // ---- Controls.
@@ -167,7 +158,7 @@ void ZelGenericUI::addPresetBar() {
 void ZelGenericUI::addAndRegisterParameterControls() {
   if (registered_) return;
   registered_ = true;
-  parameterControls_.reserve(memoizedPValues_.size());
+  parameterControls_.reserve(values_->memoizedPValues().size());
   addClumpViews(*clumpsView_, ZelClumpType::Normal);
   if (config_->hasAdvancedControls()) {
     pendingAdvClumpsView_ = std::make_unique<ZelClumpsView>(clumpsView_->bounds(), config_);
@@ -211,20 +202,14 @@ void ZelGenericUI::registerParameterControls(ZelClumpView& clumpView, ZelView& d
 
 void ZelGenericUI::registerParameterControl(ZelParameterControl& control) {
   parameterControls_.push_back(&control);
-  control.setTargetAction(this, &ZelGenericUI::handleParameterControlUpdated);
-  control.setDelegate(this);
+  control.setTargetAction(values_.get(), &ZelEditorValues::handleParameterControlUpdated);
+  control.setDelegate(hostLink_.get());
 }
 
 ZelParameterControl* ZelGenericUI::parameterControlWithCodename(std::string_view name) const {
   for (ZelParameterControl* control : parameterControls_)
     if (control->parameter() && control->parameter()->codesafeName == name) return control;
   return nullptr;
-}
-
-bool ZelGenericUI::isInClumpOfType(const ZelParameterControl& control, ZelClumpType type) const {
-  const ZelParameter* p = control.parameter();
-  const ZelClumpType actual = p && p->clump ? p->clump->clumpType : ZelClumpType::Normal;
-  return actual == type;
 }
 
 // ---- The deferred drawer step.
@@ -237,44 +222,25 @@ void ZelGenericUI::startDeferredDrawerStep() {
 
 void ZelGenericUI::runDeferredDrawerStep() {
   if (window()) window()->makeFirstResponder(this);
-  addAdvancedControlsDrawer();
-  addPresetDrawer();
+  drawers_->addAdvancedControlsDrawer(std::move(pendingAdvClumpsView_));
+  drawers_->addPresetDrawer();
 }
 
-// Drawers go just below the preset bar: a drawer rising from below comes
-// out from behind the bar.
-template <class Drawer>
-Drawer* ZelGenericUI::insertDrawer(std::unique_ptr<Drawer> drawer) {
-  Drawer* raw = drawer.get();
-  std::size_t index = subviews().size();
-  for (std::size_t i = 0; i < subviews().size(); ++i)
-    if (subviews()[i].get() == presetBar_) index = i;
-  insertSubview(std::move(drawer), index);
-  return raw;
-}
+// ---- The sketch.
 
-void ZelGenericUI::addAdvancedControlsDrawer() {
-  if (advDrawer_ || !pendingAdvClumpsView_ || !config_ || !config_->hasAdvancedControls()) return;
-  auto drawer = std::make_unique<ZelDrawerView>(clumpsView_->frame(), config_, false);
-  drawer->setIdentifier("advancedDrawer");
-  drawer->contentView()->addSubview(std::move(pendingAdvClumpsView_));
-  drawer->setToggle(powerBox_ ? powerBox_->gear() : nullptr);
-  drawer->setDelegate(this);
-  drawer->setMiniatureDelegate(this);
-  advDrawer_ = insertDrawer(std::move(drawer));
-}
-
-void ZelGenericUI::addPresetDrawer() {
-  if (presetDrawer_ || !config_ || !config_->presets() || !presetBar_) return;
-  auto drawer = std::make_unique<ZelPresetsDrawer>(layout_.clumps, config_, false);
-  drawer->setIdentifier("presetsDrawer");
-  drawer->setToggle(presetBar_->more());
-  drawer->setPresetControl(presetBar_->presetControl());
-  drawer->setDelegate(this);
-  drawer->setMiniatureDelegate(this);
-  drawer->setAnimatesVisibility(false);
-  if (presetBar_->presetControl()) drawer->presetSelected(presetBar_->presetControl()->floatValue());
-  presetDrawer_ = insertDrawer(std::move(drawer));
+void ZelGenericUI::addSketchWithSubclass(const ZelSketchFactory& factory) {
+  if (sketch_ || !factory || !config_ || !powerBox_) return;
+  std::unique_ptr<ZelParameterSketch> made = factory(powerBox_->sketchArea(), *config_);
+  if (!made) return;
+  made->setPowerbox(powerBox_);
+  made->setMeteringCallback(meteringCallback_);
+  made->setAlphaValue(0);
+  sketch_ = powerBox_->addSubview(std::move(made));
+  sketch_->animateAlphaValue(1.0, kSketchFadeDuration);
+  const ZelCallKey key{this, "sendMemoizedPValuesToSketch"};
+  runLoop_.cancel(key);
+  ZelEditorValues* values = values_.get();
+  runLoop_.schedule(kFirstSketchUpdateDelay, [values] { values->sendMemoizedPValuesToSketch(); }, key);
 }
 
 // ---- Drawing and keys.

@@ -66,7 +66,7 @@ ZelKeyboardHandler::ZelKeyboardHandler()
 
 ZelKeyboardHandler::~ZelKeyboardHandler() { *self_ = nullptr; }
 
-ZelParameterControl* ZelKeyboardHandler::focused() const { return ui_ ? ui_->focusedControl() : nullptr; }
+ZelParameterControl* ZelKeyboardHandler::focused() const { return ui_ ? ui_->focus().focusedControl() : nullptr; }
 
 // ---- Events.
 
@@ -164,7 +164,7 @@ bool ZelKeyboardHandler::tabToNextControlWithDirection(int direction) {
   ZelParameterControl* control = focused();
   // Tabbing commits a typed number.
   if (control && control->acceptsTransientStringBuffers()) sendCompletedNumberBuffer();
-  ui_->bringParameterControlIntoFocus(adjacentParameterControl(control, direction));
+  ui_->focus().bringParameterControlIntoFocus(adjacentParameterControl(control, direction));
   resetNumberBuffer();
   return true;
 }
@@ -173,7 +173,7 @@ ZelParameterControl* ZelKeyboardHandler::adjacentParameterControl(ZelParameterCo
   if (!ui_ || !config_ || !ui_->isProcessing()) return nullptr;
   const std::vector<std::string>& order = config_->metadata().tabOrderNames;
   if (order.empty()) return nullptr;
-  const ZelClumpType wanted = ui_->isAdvancedDrawerVisible() ? ZelClumpType::Advanced : ZelClumpType::Normal;
+  const ZelClumpType wanted = ui_->drawers().isAdvancedDrawerVisible() ? ZelClumpType::Advanced : ZelClumpType::Normal;
   if (!control) {
     for (const std::string& name : order) {
       ZelParameterControl* candidate = ui_->parameterControlWithCodename(name);
@@ -207,10 +207,10 @@ bool ZelKeyboardHandler::escapeFocusedControl() {
   if (!ui_) return false;
   // Escape first unfocuses, then closes drawers.
   if (focused()) {
-    ui_->bringParameterControlIntoFocus(nullptr);
+    ui_->focus().bringParameterControlIntoFocus(nullptr);
     return true;
   }
-  return ui_->hideAllDrawers();
+  return ui_->drawers().hideAllDrawers();
 }
 
 // ---- Shortcuts.
@@ -221,7 +221,7 @@ bool ZelKeyboardHandler::keyboardShortcutRefreshInitialParameterValues() {
   ZelParameterControl* preset = ui_ && ui_->presetBar() ? ui_->presetBar()->presetControl() : nullptr;
   if (!preset) return true;
   preset->setFloatValue(0);
-  ui_->presetUpdated(*preset);
+  ui_->presets().presetUpdated(*preset);
   return true;
 }
 
@@ -237,45 +237,45 @@ bool ZelKeyboardHandler::keyboardShortcutOpenManual() {
   return true;
 }
 
-bool ZelKeyboardHandler::keyboardShortcutToggleAdvancedDrawer() { return ui_ && ui_->toggleAdvancedDrawer(); }
+bool ZelKeyboardHandler::keyboardShortcutToggleAdvancedDrawer() { return ui_ && ui_->drawers().toggleAdvancedDrawer(); }
 
 bool ZelKeyboardHandler::keyboardShortcutToggleTheme() {
-  if (ui_) ui_->toggleUITheme();
+  if (ui_) ui_->hostLink().toggleUITheme();
   return true;
 }
 
 bool ZelKeyboardHandler::keyboardShortcutZoomIn() {
-  if (ui_) ui_->zoomIn();
+  if (ui_) ui_->hostLink().zoomIn();
   return true;
 }
 
 bool ZelKeyboardHandler::keyboardShortcutZoomOut() {
-  if (ui_) ui_->zoomOut();
+  if (ui_) ui_->hostLink().zoomOut();
   return true;
 }
 
 bool ZelKeyboardHandler::keyboardShortcutResetZoom() {
-  if (ui_) ui_->zoomTo(1.0);
+  if (ui_) ui_->hostLink().zoomTo(1.0);
   return true;
 }
 
 bool ZelKeyboardHandler::keyboardShortcutTogglePower() {
   const ZelParameter* power = config_ ? config_->parameterForPid(0) : nullptr;
-  if (ui_ && power) ui_->notifyParameter(*power, ui_->isProcessing() ? 0.0f : 1.0f);
+  if (ui_ && power) ui_->values().notifyParameter(*power, ui_->isProcessing() ? 0.0f : 1.0f);
   return true;
 }
 
-bool ZelKeyboardHandler::keyboardShortcutTogglePresetDrawer() { return ui_ && ui_->togglePresetsDrawer(); }
+bool ZelKeyboardHandler::keyboardShortcutTogglePresetDrawer() { return ui_ && ui_->drawers().togglePresetsDrawer(); }
 
 // ---- Undo and redo.
 
 bool ZelKeyboardHandler::applyUndoRedoStackValues(const std::optional<ZelUndoRedoStack::Snapshot>& snapshot) {
-  if (ui_) ui_->syncUndoRedoButtonsToStackState();
+  if (ui_) ui_->undo().syncUndoRedoButtonsToStackState();
   if (!snapshot || !ui_ || !config_) return true;
   // Locked: the changes below schedule no snapshot of their own.
   undoRedoStack_.setLocks(1);
   for (const auto& [pid, value] : *snapshot)
-    if (const ZelParameter* p = config_->parameterForPid(pid)) ui_->notifyParameter(*p, value);
+    if (const ZelParameter* p = config_->parameterForPid(pid)) ui_->values().notifyParameter(*p, value);
   undoRedoStack_.setLocks(0);
   return true;
 }
@@ -283,7 +283,7 @@ bool ZelKeyboardHandler::applyUndoRedoStackValues(const std::optional<ZelUndoRed
 // ---- Copy and paste.
 
 std::string ZelKeyboardHandler::baseURLForPluginVersion() const {
-  std::string url = ZelGenericUI::kMakerWebSite;
+  std::string url = ZelEditorHostLink::kMakerWebSite;
   if (!config_) return url + "//";
   return url + "/" + config_->metadata().pluginURLSlug + "/" + config_->metadata().version;
 }
@@ -329,13 +329,13 @@ bool ZelKeyboardHandler::applyURLEncodedPreset(std::string_view text) {
     const ZelParameter* p = control->parameter();
     if (!p) continue;
     const ZelParameterURLEntry* entry = query->find(p->minimalName.empty() ? p->codesafeName : p->minimalName);
-    if (!entry || !entry->keeps()) ui_->notifyParameter(*p, p->initialValue);
+    if (!entry || !entry->keeps()) ui_->values().notifyParameter(*p, p->initialValue);
   }
   // A value outside the parameter's range (hand-edited text, another
   // version's) is taken at the nearest end; not a number is left out.
   for (const ZelParameterURLEntry& entry : query->entries) {
     const ZelParameter* p = entry.keeps() ? nullptr : config_->parameterForCodename(entry.name);
-    if (p && !std::isnan(*entry.number)) ui_->notifyParameter(*p, std::clamp(*entry.number, p->minValue, p->maxValue));
+    if (p && !std::isnan(*entry.number)) ui_->values().notifyParameter(*p, std::clamp(*entry.number, p->minValue, p->maxValue));
   }
   return true;
 }

@@ -39,12 +39,12 @@ ZelEvent keyFor(std::uint8_t byte) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static fuzz::Editor* editor = new fuzz::Editor;  // one editor for the whole run
   if (size == 0 || size > 256) return -1;
-  editor->ui->bringParameterControlIntoFocus(nullptr);
+  editor->ui->focus().bringParameterControlIntoFocus(nullptr);
   editor->ui->keyboard().resetNumberBuffer();
   editor->resetValues();
   editor->run(0.05);
   const auto& controls = editor->ui->parameterControls();
-  editor->ui->bringParameterControlIntoFocus(controls[data[0] % controls.size()]);
+  editor->ui->focus().bringParameterControlIntoFocus(controls[data[0] % controls.size()]);
   for (std::size_t i = 1; i < size; ++i) editor->window.sendEvent(keyFor(data[i]));
   editor->window.sendEvent(ZelEvent::key(ZelEventType::KeyDown, "\r", ZelKeyCodeReturn));
   editor->run(0.05);

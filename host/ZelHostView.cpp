@@ -289,7 +289,7 @@ void ZelHostView::unitZoomChanged() {
 
 void ZelHostView::applyZoom(double zoom) {
   // Only the editor's steps: a unit's or host's odd value snaps to one.
-  zoom_ = ZelGenericUI::nearestZoomStep(zoom);
+  zoom_ = ZelEditorHostLink::nearestZoomStep(zoom);
   if (ui_) ui_->setZoom(zoom_);
   if (zoomHandler_) zoomHandler_(zoom_);
 }

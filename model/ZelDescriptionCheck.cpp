@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "model/ZelDescriptionSchema.h"
+
 ZEL_NAMESPACE_BEGIN
 
 namespace {
@@ -113,32 +115,9 @@ constexpr Rule kConstraintRules[] = {{"height", number}};
 constexpr auto layout = record<kLayoutRules>;
 constexpr auto constraints = dictionaryOf<record<kConstraintRules>>;
 
-// ---- Metadata and clumps.
-
-constexpr Rule kMetadataRules[] = {
-    {"classPrefix", string}, {"pluginName", string}, {"pluginLongName", string}, {"pluginURLSlug", string},
-    {"pluginPackageName", string}, {"pluginID", string}, {"manufacturerID", string}, {"pluginType", string},
-    {"version", string}, {"versionHex", string}, {"versionInteger", number}, {"sha", string}, {"tagline", string},
-    {"companyName", string}, {"catalog", string}, {"beta", boolean}, {"channelLayouts", string},
-    {"channelLayoutsCount", number}, {"clumpsLayout", layout}, {"advancedClumpsLayout", layout},
-    {"clumpsLayout_iOS", dictionary}, {"advancedClumpsLayout_iOS", dictionary}, {"layoutParameterBased", boolean},
-    {"logo", string}, {"width", number}, {"height", number}, {"inset", number}, {"color", string},
-    {"hasParameterSketch", boolean}, {"genericHQParameter", string}, {"hasGenericHQMode", boolean},
-    {"genericHQMultsBySampleRate", dictionary}, {"parameterOrder", array}, {"tabOrder", arrayOf<string>},
-    {"hostClumps", array},
-};
+// ---- The records, from the description's schema.
 
 constexpr Rule kInsetRules[] = {{"x", number}, {"y", number}};
-constexpr Rule kClumpRules[] = {
-    {"name", string}, {"codesafeName", string}, {"label", string}, {"labelString", string},
-    {"inset", record<kInsetRules>}, {"clumpType", string}, {"showInteriorBorders", boolean},
-    {"computedLayout", layout}, {"computedLayout_iOS", dictionary}, {"layoutConstraints", constraints},
-    {"labelBorder", arrayOf<number>}, {"taggedLabels", dictionaryOf<string>}, {"layoutTags", dictionary},
-    {"cid", number}, {"parameters", array},
-};
-
-// ---- Parameters and presets.
-
 constexpr Rule kChannelRuleRules[] = {{"map", arrayOf<number>}, {"disabled", anything}, {"immutable", number}};
 
 // Rules keyed by channel layout: an array of rule dictionaries (a dictionary
@@ -149,27 +128,34 @@ void channelLayoutRules(const ZelPlist& v, const Path& path, Findings& out) {
   arrayOf<record<kChannelRuleRules>>(v, path, out);
 }
 
-#define ZEL_PARAMETER_RULES                                                                                       \
-  {"pid", number}, {"indexInClump", number}, {"name", string}, {"codesafeName", string}, {"aaxName", string},     \
-      {"label", string}, {"labelString", string}, {"distinctLabel", boolean}, {"minimalName", string},            \
-      {"hostClump", string}, {"clump", anything}, {"minValue", number}, {"maxValue", number},                      \
-      {"initialValue", number}, {"logarithmic", boolean}, {"auLogarithmic", boolean},                              \
-      {"automatesSmoothly", boolean}, {"granularity", number}, {"fineGranularity", number},                        \
-      {"coarseGranularity", number}, {"coarseGranularityOptions", arrayOf<number>}, {"presetWildcard", boolean},    \
-      {"unit", string}, {"unitSymbol", string}, {"unitEnumIdentifier", string}, {"customUnit", string},            \
-      {"formatString", string}, {"stringValues", arrayOf<string>}, {"showsNegativeInfinity", boolean},             \
-      {"substituteOffForMinimum", boolean}, {"controlType", string}, {"controlScale", number},                     \
-      {"controlStyle", string}, {"labelDisplay", string}, {"displacedFrame", arrayOf<number>},                     \
-      {"computedLayout", layout}, {"border", arrayOf<number>}, {"horizontal", boolean}, {"color", string},         \
-      {"tickmarks", arrayOf<number>}, {"minorTickmarks", arrayOf<number>}, {"cueValues", arrayOf<number>},         \
-      {"cueSymbols", arrayOf<string>}, {"cueSymbolPositions", arrayOf<number>}, {"cueSymbolDisplay", string},      \
-      {"scope", string}, {"highlights", arrayOf<arrayOf<string>>}, {"dims", arrayOf<arrayOf<string>>},             \
-      {"disables", arrayOf<arrayOf<string>>}, {"hides", arrayOf<arrayOf<string>>},                                 \
-      {"channelLayoutRules", channelLayoutRules}
+// The check of each type of key.
+template <class Type> constexpr Check kCheck = nullptr;
+template <> constexpr Check kCheck<ZelKeyType::String> = string;
+template <> constexpr Check kCheck<ZelKeyType::Integer> = number;
+template <> constexpr Check kCheck<ZelKeyType::Number> = number;
+template <> constexpr Check kCheck<ZelKeyType::Boolean> = boolean;
+template <> constexpr Check kCheck<ZelKeyType::Color> = string;
+template <> constexpr Check kCheck<ZelKeyType::Enum> = string;
+template <> constexpr Check kCheck<ZelKeyType::Dictionary> = dictionary;
+template <> constexpr Check kCheck<ZelKeyType::Array> = array;
+template <> constexpr Check kCheck<ZelKeyType::Layout> = layout;
+template <> constexpr Check kCheck<ZelKeyType::Strings> = arrayOf<string>;
+template <> constexpr Check kCheck<ZelKeyType::Numbers> = arrayOf<number>;
+template <> constexpr Check kCheck<ZelKeyType::NameLists> = arrayOf<arrayOf<string>>;
+template <> constexpr Check kCheck<ZelKeyType::StringTable> = dictionaryOf<string>;
+template <> constexpr Check kCheck<ZelKeyType::Inset> = record<kInsetRules>;
+template <> constexpr Check kCheck<ZelKeyType::Constraints> = constraints;
+template <> constexpr Check kCheck<ZelKeyType::ValueSets> = arrayOf<dictionaryOf<number>>;
+template <> constexpr Check kCheck<ZelKeyType::ChannelRules> = channelLayoutRules;
+template <> constexpr Check kCheck<ZelKeyType::Linked> = anything;
+template <> constexpr Check kCheck<ZelKeyType::Children> = array;
 
-constexpr Rule kParameterRules[] = {ZEL_PARAMETER_RULES};
-constexpr Rule kPresetsRules[] = {ZEL_PARAMETER_RULES, {"values", arrayOf<dictionaryOf<number>>}};
-#undef ZEL_PARAMETER_RULES
+#define ZEL_CHECK_RULE(key, member, type) {#key, kCheck<ZelKeyType::type>},
+constexpr Rule kMetadataRules[] = {ZEL_METADATA_KEYS(ZEL_CHECK_RULE)};
+constexpr Rule kClumpRules[] = {ZEL_CLUMP_KEYS(ZEL_CHECK_RULE)};
+constexpr Rule kParameterRules[] = {ZEL_PARAMETER_KEYS(ZEL_CHECK_RULE)};
+constexpr Rule kPresetsRules[] = {ZEL_PARAMETER_KEYS(ZEL_CHECK_RULE) ZEL_PRESETS_KEYS(ZEL_CHECK_RULE)};
+#undef ZEL_CHECK_RULE
 
 constexpr Rule kClumpEntryRules[] = {{"metadata", record<kClumpRules>},
                                      {"parameters", arrayOf<record<kParameterRules>>}};

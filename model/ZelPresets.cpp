@@ -3,12 +3,15 @@
 #include <cstdio>
 
 #include "model/ZelConfig.h"
-#include "model/ZelFetch.h"
+#include "model/ZelDescriptionRead.h"
 
 ZEL_NAMESPACE_BEGIN
 
-ZelPresets::ZelPresets(const ZelPlist& dictionary, const ZelPlist& refs)
-    : ZelParameter(dictionary, refs), presetValues(FetchArray(dictionary, "values")) {}
+ZelPresets::ZelPresets(const ZelPlist& dictionary, const ZelPlist& refs) : ZelParameter(dictionary, refs) {
+  const ZelPlist& d = dictionary;
+  ZelPresets& record = *this;
+  ZEL_PRESETS_KEYS(ZEL_READ_KEY)
+}
 
 const ZelPlist* ZelPresets::presetValueSetForValue(unsigned index) const {
   const ZelPlist& set = presetValues[index];

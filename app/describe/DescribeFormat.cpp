@@ -18,12 +18,6 @@ std::string shortest(T value) {
   return std::string(buffer.data(), result.ptr);
 }
 
-template <std::size_t N>
-std::string word(const std::array<const char*, N>& words, std::int32_t value) {
-  if (value >= 0 && static_cast<std::size_t>(value) < N) return words[static_cast<std::size_t>(value)];
-  return std::to_string(value);
-}
-
 }  // namespace
 
 std::string ZelFormatG9(double value) {
@@ -38,44 +32,6 @@ std::string ZelFormatShortest(double value) { return shortest(value); }
 std::string ZelFormatRect(CGRect r) {
   return ZelFormatG9(r.origin.x) + " " + ZelFormatG9(r.origin.y) + " " + ZelFormatG9(r.size.width) + " " +
          ZelFormatG9(r.size.height);
-}
-
-std::string ZelUnitWord(ZelUnit unit) {
-  static constexpr std::array<const char*, 12> kWords = {
-      "Indexed", "Percent", "Boolean", "Degrees", "Decibels", "Hertz",
-      "BPM",     "Pan",     "Milliseconds", "Generic", "Note", "DecibelsPerOctave"};
-  return word(kWords, static_cast<std::int32_t>(unit));
-}
-
-std::string ZelControlTypeWord(ZelControlType type) {
-  static constexpr std::array<const char*, 7> kWords = {"Slider", "Boolean",    "Cycle", "Number",
-                                                        "Toggle", "NoteSlider", "Preset"};
-  return word(kWords, static_cast<std::int32_t>(type));
-}
-
-std::string ZelControlStyleWord(ZelControlStyle style) {
-  static constexpr std::array<const char*, 4> kWords = {"Default", "Pilled", "Filled", "Shadowed"};
-  return word(kWords, static_cast<std::int32_t>(style));
-}
-
-std::string ZelScopeWord(ZelScope scope) {
-  static constexpr std::array<const char*, 3> kWords = {"self", "global", "clump"};
-  return word(kWords, static_cast<std::int32_t>(scope));
-}
-
-std::string ZelLabelDisplayWord(ZelLabelDisplay display) {
-  static constexpr std::array<const char*, 5> kWords = {"below", "above", "left", "right", "hidden"};
-  return word(kWords, static_cast<std::int32_t>(display));
-}
-
-std::string ZelCueSymbolDisplayWord(ZelCueSymbolDisplay display) {
-  static constexpr std::array<const char*, 4> kWords = {"below", "above", "hidden", "inline"};
-  return word(kWords, static_cast<std::int32_t>(display));
-}
-
-std::string ZelClumpTypeWord(ZelClumpType type) {
-  static constexpr std::array<const char*, 3> kWords = {"Normal", "Advanced", "PowerBox"};
-  return word(kWords, static_cast<std::int32_t>(type));
 }
 
 std::string ZelColorHex(const ZelColor& color) {

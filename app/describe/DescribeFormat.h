@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "model/ZelClump.h"
+#include "model/ZelDescriptionSchema.h"
 #include "model/ZelParameter.h"
 #include "toolkit/foundation/Geometry.h"
 
@@ -24,13 +25,11 @@ std::string ZelFormatRect(CGRect rect);
 
 // The description's word for an enumeration value (the number itself for a
 // value outside the enumeration).
-std::string ZelUnitWord(ZelUnit unit);
-std::string ZelControlTypeWord(ZelControlType type);
-std::string ZelControlStyleWord(ZelControlStyle style);
-std::string ZelScopeWord(ZelScope scope);
-std::string ZelLabelDisplayWord(ZelLabelDisplay display);
-std::string ZelCueSymbolDisplayWord(ZelCueSymbolDisplay display);
-std::string ZelClumpTypeWord(ZelClumpType type);
+template <class E>
+std::string ZelEnumWord(E value) {
+  const std::string_view word = ZelWordForEnum(value);
+  return word.empty() ? std::to_string(static_cast<std::int32_t>(value)) : std::string(word);
+}
 
 // "#rrggbb" of a colour's components (alpha left out).
 std::string ZelColorHex(const ZelColor& color);

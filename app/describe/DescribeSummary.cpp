@@ -49,7 +49,7 @@ void clumps(const ZelConfig& config, std::string& out) {
   out += "clumps\t" + std::to_string(config.clumps().size()) + "\n";
   row(out, {"cid", "type", "name", "parameters"});
   config.enumerateClumps([&](const ZelClump& c) {
-    row(out, {std::to_string(c.cid), ZelClumpTypeWord(c.clumpType), c.name, std::to_string(c.parameters.size())});
+    row(out, {std::to_string(c.cid), ZelEnumWord(c.clumpType), c.name, std::to_string(c.parameters.size())});
   });
 }
 
@@ -57,7 +57,7 @@ void parameters(const ZelConfig& config, std::string& out) {
   out += "parameters\t" + std::to_string(config.numParameters()) + "\n";
   row(out, {"pid", "codesafeName", "unit", "controlType", "min", "max", "initial"});
   config.enumerateParameters([&](const ZelParameter& p, const ZelClump&) {
-    row(out, {std::to_string(p.pid), p.codesafeName, ZelUnitWord(p.unit), ZelControlTypeWord(p.controlType),
+    row(out, {std::to_string(p.pid), p.codesafeName, ZelEnumWord(p.unit), ZelEnumWord(p.controlType),
               ZelFormatShortest(p.minValue), ZelFormatShortest(p.maxValue), ZelFormatShortest(p.initialValue)});
   });
 }

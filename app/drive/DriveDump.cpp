@@ -71,8 +71,8 @@ std::string ZelDriveDump(ZelGenericUI& editor) {
   std::string out;
   for (ZelParameterControl* control : editor.parameterControls()) out += controlLine(editor, *control);
   out += presetLines(editor);
-  out += std::string("drawers advanced=") + flag(editor.isAdvancedDrawerVisible()) +
-         " presets=" + flag(editor.isPresetsDrawerVisible()) + "\n";
+  out += std::string("drawers advanced=") + flag(editor.drawers().isAdvancedDrawerVisible()) +
+         " presets=" + flag(editor.drawers().isPresetsDrawerVisible()) + "\n";
   out += std::string("theme ") + (ZelUITheme::theme() == ZelUITheme::dark() ? "dark" : "light") + "\n";
   out += wordAndText("buffer", editor.keyboard().numberBuffer()) + "\n";
   out += std::string("sketch visible=") + flag(editor.sketch() && editor.sketch()->isSketchVisible()) + "\n";

@@ -61,8 +61,8 @@ ZelManualShot ZelShootEditor(std::unique_ptr<ZelConfig> config, double scale, bo
     window.setKeyWindow(true);
     ZelRunVirtualTime(loop, clock, kDeferredSteps);
     settle(window, loop, clock, kSettleLimit);
-    if (advancedDrawer && session.editor() && !session.editor()->isAdvancedDrawerVisible()) {
-      session.editor()->toggleAdvancedDrawer();
+    if (advancedDrawer && session.editor() && !session.editor()->drawers().isAdvancedDrawerVisible()) {
+      session.editor()->drawers().toggleAdvancedDrawer();
       settle(window, loop, clock, clock.now() + kSettleLimit);
     }
     host.renderAll();

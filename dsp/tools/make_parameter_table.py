@@ -10,9 +10,13 @@ factors of the high-quality mode by sample rate. It needs nothing but the
 standard library.
 """
 
+import os
 import plistlib
 import re
 import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "model", "tools"))
+from zel_description_schema import SCHEMA  # noqa: E402
 
 
 def fail(message):
@@ -20,8 +24,13 @@ def fail(message):
     sys.exit(1)
 
 
+def value(p, key):
+    """A parameter's key, or what the editor reads when it is missing."""
+    return SCHEMA.value("parameter", p, key)
+
+
 def kind_of(p):
-    unit = p.get("unit", "")
+    unit = value(p, "unit")
     if unit == "Boolean":
         return "Switch"
     if unit == "Hertz":
@@ -124,9 +133,9 @@ def header(description, source):
         names = p.get("stringValues")
         strings = f"kZel{p['codesafeName']}Strings, {len(names)}" if names else "nullptr, 0"
         w(f"  {{{p['pid']}, {c_string(p['codesafeName'])}, {c_string(p.get('name', p['codesafeName']))}, "
-          f"{c_string(p.get('unit', 'Generic'))}, {c_float(p.get('minValue', 0))}, "
-          f"{c_float(p.get('maxValue', 0))}, {c_float(p.get('initialValue', 0))}, "
-          f"ZelParameterKind::{kind_of(p)}, {'true' if p.get('logarithmic') else 'false'}, {strings}}},")
+          f"{c_string(value(p, 'unit'))}, {c_float(value(p, 'minValue'))}, "
+          f"{c_float(value(p, 'maxValue'))}, {c_float(value(p, 'initialValue'))}, "
+          f"ZelParameterKind::{kind_of(p)}, {'true' if value(p, 'logarithmic') else 'false'}, {strings}}},")
     w("};")
     w("")
     w("// Oversampling factors of the high-quality mode, by sample rate.")

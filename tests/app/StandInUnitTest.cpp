@@ -70,7 +70,7 @@ TEST(StandInUnit, StartsAtTheInitialValuesAndReportsThemThroughTheRunLoop) {
 TEST(StandInUnit, EchoesTheEditorsChangesLaterAndOnlyWhenAsked) {
   Fixture f;
   const ZelParameter* mode = f.config->parameterForCodename("Mode");
-  f.ui->notifyParameter(*mode, 1);
+  f.ui->values().notifyParameter(*mode, 1);
   EXPECT_EQ(f.unit.valueForParameterID(mode->pid), 1.0f);
   ASSERT_EQ(f.recorder.lines.size(), 1u);
   // The rules run on the echo: Width dims once the loop has run.

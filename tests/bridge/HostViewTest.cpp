@@ -158,7 +158,7 @@ struct Fixture {
   float report(std::uint32_t pid, float value) {
     unit.hostSets(pid, value);
     runUntil(clock.now());
-    return ui().memoizedPValues()[pid];
+    return ui().values().memoizedPValues()[pid];
   }
 };
 
@@ -226,7 +226,7 @@ TEST(HostView, HostValuesAreConvertedAndClamped) {
   EXPECT_EQ(f.report(8, -1), 2.0f) << "a negative whole number wraps to a large one";
   EXPECT_EQ(f.report(8, 1.9f), 1.0f) << "whole numbers truncate";
   EXPECT_EQ(f.report(5, 1e30f), 20000.0f);
-  const float before = f.ui().memoizedPValues()[2];
+  const float before = f.ui().values().memoizedPValues()[2];
   EXPECT_EQ(f.report(2, std::nanf("")), before) << "not a number moves nothing";
   // Whatever the unit claims about other ids, the editor is told 0.
   EXPECT_EQ(ZelHostView::editorValueFromUnit(12, 7), 0.0f);
@@ -277,7 +277,7 @@ TEST(HostView, ADraggedControlIsNotPulledBackByTheHost) {
     f.unit.hostSets(2, v);
     f.runUntil(f.clock.now() + 0.016);
     EXPECT_EQ(f.shown("Degrade"), v);
-    EXPECT_EQ(f.ui().memoizedPValues()[1], v);
+    EXPECT_EQ(f.ui().values().memoizedPValues()[1], v);
     EXPECT_EQ(f.shown("Drive"), v) << "another control follows the host during the drag";
   }
   EXPECT_EQ(f.unit.values[1], 30.0f) << "the unit holds the host's last word";
@@ -343,7 +343,7 @@ TEST(HostView, ZoomIsTheUnitsAndTheWindowFollowsIt) {
   EXPECT_EQ(applied, std::vector<double>{1.75}) << "connecting applies the unit's zoom";
   EXPECT_EQ(view->ui()->zoom(), 1.75);
 
-  view->ui()->zoomOut();
+  view->ui()->hostLink().zoomOut();
   EXPECT_EQ(f.unit.zoom, 1.5) << "the user's choice is kept by the unit";
   EXPECT_EQ(applied.back(), 1.5);
   f.unit.zoom = 2;

@@ -57,7 +57,7 @@ TEST(StandaloneUnit, EditorChangesReachTheAudioUnitInItsUnits) {
   EXPECT_NE(f.view->outgoingValue(8), ZelHostView::kNothingOutstanding);
   ZelRunVirtualTime(f.loop, f.clock, 0.3);
   EXPECT_EQ(f.view->outgoingValue(8), ZelHostView::kNothingOutstanding);
-  EXPECT_EQ(f.view->ui()->memoizedPValues()[8], 2.0f);
+  EXPECT_EQ(f.view->ui()->values().memoizedPValues()[8], 2.0f);
 }
 
 TEST(StandaloneUnit, KeepsPresetThemeAndChannels) {

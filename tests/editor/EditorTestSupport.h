@@ -185,7 +185,7 @@ class EditorHarness {
     if (!c) throw std::runtime_error(std::string("no control ") + name);
     return *c;
   }
-  float memo(std::int64_t pid) const { return ui->memoizedPValues()[static_cast<std::size_t>(pid)]; }
+  float memo(std::int64_t pid) const { return ui->values().memoizedPValues()[static_cast<std::size_t>(pid)]; }
   // What a user's change through the primary control does.
   void userSets(const char* name, float value) {
     ZelFloatControl* primary = control(name).primaryControl();

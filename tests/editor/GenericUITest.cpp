@@ -39,7 +39,7 @@ TEST(ZelGenericUI, BuildsRegionsAndRegistersMainThenAdvancedThenPower) {
   ASSERT_NE(h.ui->presetDrawer(), nullptr);
   EXPECT_TRUE(h.ui->advClumpsView()->isDescendantOf(h.ui->advDrawer()));
   EXPECT_EQ(h.window.firstResponder(), h.ui);
-  EXPECT_FALSE(h.ui->isAdvancedDrawerVisible() || h.ui->isPresetsDrawerVisible());
+  EXPECT_FALSE(h.ui->drawers().isAdvancedDrawerVisible() || h.ui->drawers().isPresetsDrawerVisible());
 }
 
 TEST(ZelGenericUI, ProductEditorMovesTheHQControlIntoTheAdvancedClumps) {
@@ -65,9 +65,9 @@ TEST(ZelGenericUI, AUserChangeReachesTheHostOnceAndTheEchoAppliesTheRules) {
   h.ui->updateParameterKeyed(1234, 5);
   h.ui->updateParameterKeyed(42, 1);
   EXPECT_EQ(h.control("Stray").floatValue(), 1);
-  EXPECT_EQ(h.ui->memoizedPValues().size(), 10u);
+  EXPECT_EQ(h.ui->values().memoizedPValues().size(), 10u);
   // NaN never equals the memo.
-  h.ui->updateMemoizedValue(NAN, *h.control("B").parameter());
+  h.ui->values().updateMemoizedValue(NAN, *h.control("B").parameter());
   EXPECT_TRUE(std::isnan(h.memo(2)));
 }
 
@@ -143,16 +143,16 @@ TEST(ZelGenericUI, LastSavedPresetSelectsWithoutLoadingAndIgnoresTheFirstPreset)
 
 TEST(ZelGenericUI, FocusSkipsThePowerControlHidesDrawersAndSurvivesWindowFocus) {
   EditorHarness h(SmallConfig());
-  h.ui->bringParameterControlIntoFocus(&h.control("Power"));
-  EXPECT_EQ(h.ui->focusedControl(), nullptr);
+  h.ui->focus().bringParameterControlIntoFocus(&h.control("Power"));
+  EXPECT_EQ(h.ui->focus().focusedControl(), nullptr);
   EXPECT_FALSE(h.control("Power").focused());
 
-  h.ui->togglePresetsDrawer();
+  h.ui->drawers().togglePresetsDrawer();
   h.run(1.0);
-  ASSERT_TRUE(h.ui->isPresetsDrawerVisible());
-  h.ui->bringParameterControlIntoFocus(&h.control("B"));
+  ASSERT_TRUE(h.ui->drawers().isPresetsDrawerVisible());
+  h.ui->focus().bringParameterControlIntoFocus(&h.control("B"));
   EXPECT_TRUE(h.control("B").focused());
-  EXPECT_FALSE(h.ui->isPresetsDrawerVisible());
+  EXPECT_FALSE(h.ui->drawers().isPresetsDrawerVisible());
 
   ZelLayer* stamp = h.ui->powerBox()->logoStampLayer();
   h.ui->setHasFocus(false);
@@ -161,9 +161,9 @@ TEST(ZelGenericUI, FocusSkipsThePowerControlHidesDrawersAndSurvivesWindowFocus) 
   EXPECT_EQ(stamp->opacity(), 1.0);
 
   // A main control's focus is not valid while the advanced drawer shows.
-  h.ui->toggleAdvancedDrawer();
+  h.ui->drawers().toggleAdvancedDrawer();
   h.run(1.0);
-  EXPECT_EQ(h.ui->focusedControl(), nullptr);
+  EXPECT_EQ(h.ui->focus().focusedControl(), nullptr);
   EXPECT_FALSE(h.control("B").focused());
 }
 
@@ -175,7 +175,7 @@ TEST(ZelGenericUI, AGestureBeginsFocusesAndEndsThroughTheDelegate) {
   primary->handleMouseUpEvent(ZelEvent::mouse(ZelEventType::LeftMouseUp, CGPointMake(1, 1)));
   EXPECT_EQ(h.host.begins, std::vector<std::int64_t>{1});
   EXPECT_EQ(h.host.ends, std::vector<std::int64_t>{1});
-  EXPECT_EQ(h.ui->focusedControl(), &h.control("A"));
+  EXPECT_EQ(h.ui->focus().focusedControl(), &h.control("A"));
   EXPECT_EQ(h.ui->keyboard().numberBuffer(), "");
 }
 
@@ -183,19 +183,19 @@ TEST(ZelGenericUI, AdvancedWhilePresetsAreOpenWaitsForThePresetsToClose) {
   EditorHarness h(SmallConfig());
   ZelSymbolButton* gear = h.ui->powerBox()->gear();
   ZelSymbolButton* more = h.ui->presetBar()->more();
-  h.ui->morePresetsTapped();
+  h.ui->presets().morePresetsTapped();
   h.run(1.0);
-  ASSERT_TRUE(h.ui->isPresetsDrawerVisible());
+  ASSERT_TRUE(h.ui->drawers().isPresetsDrawerVisible());
   EXPECT_TRUE(more->isSelected());
 
-  h.ui->gearTapped();
-  EXPECT_FALSE(h.ui->isPresetsDrawerVisible());
-  EXPECT_FALSE(h.ui->isAdvancedDrawerVisible());
-  EXPECT_EQ(h.ui->waitingDrawer(), h.ui->advDrawer());
+  h.ui->drawers().gearTapped();
+  EXPECT_FALSE(h.ui->drawers().isPresetsDrawerVisible());
+  EXPECT_FALSE(h.ui->drawers().isAdvancedDrawerVisible());
+  EXPECT_EQ(h.ui->drawers().waitingDrawer(), h.ui->advDrawer());
   EXPECT_TRUE(h.ui->presetDrawer()->layer()->shouldRasterize());  // while it moves
-  h.run(ZelGenericUI::kDrawerTransitionDuration + 0.05);
-  EXPECT_TRUE(h.ui->isAdvancedDrawerVisible());
-  EXPECT_EQ(h.ui->waitingDrawer(), nullptr);
+  h.run(ZelEditorDrawers::kDrawerTransitionDuration + 0.05);
+  EXPECT_TRUE(h.ui->drawers().isAdvancedDrawerVisible());
+  EXPECT_EQ(h.ui->drawers().waitingDrawer(), nullptr);
   EXPECT_TRUE(gear->isSelected());
   EXPECT_FALSE(more->isSelected());
   EXPECT_TRUE(h.ui->presetDrawer()->isHidden());
@@ -204,15 +204,15 @@ TEST(ZelGenericUI, AdvancedWhilePresetsAreOpenWaitsForThePresetsToClose) {
   EXPECT_FALSE(h.ui->clumpsView()->layer()->hasRunningAnimations());
 
   // Miniature 1 hides all; escape with nothing focused does the same.
-  h.ui->drawerDidTapMiniature(*h.ui->advDrawer(), ZelDrawerView::kMiniatureHideAll);
-  EXPECT_FALSE(h.ui->isAdvancedDrawerVisible());
-  EXPECT_FALSE(h.ui->hideAllDrawers());
+  h.ui->drawers().drawerDidTapMiniature(*h.ui->advDrawer(), ZelDrawerView::kMiniatureHideAll);
+  EXPECT_FALSE(h.ui->drawers().isAdvancedDrawerVisible());
+  EXPECT_FALSE(h.ui->drawers().hideAllDrawers());
 }
 
 TEST(ZelGenericUI, ClosingTheEditorLeavesNothingPendingOnTheRunLoop) {
   EditorHarness h(SmallConfig());
   h.userSets("A", 42);        // undo snapshot pending
-  h.ui->togglePresetsDrawer();  // drawer transition and hide pending
+  h.ui->drawers().togglePresetsDrawer();  // drawer transition and hide pending
   h.ui->startDeferredDrawerStep();
   h.ui->updateParameterKeyed(1, 42);  // dirty check pending
   h.ui->keyboard().keyboardShortcutHandlePaste();  // clipboard answer pending
@@ -237,7 +237,7 @@ TEST(ZelGenericUI, TheSketchIsFedThroughItsLimiterAndHiddenAdvancedChangesFlashT
   EXPECT_EQ(sketch->frame(), h.ui->powerBox()->sketchArea());
   h.run(0.02);
   EXPECT_EQ(sketch->parameterValues()[4], 100);  // the first update, 0.01 s later
-  for (std::uint8_t changed : h.ui->memoizedPValuesChanged()) EXPECT_EQ(changed, 0);
+  for (std::uint8_t changed : h.ui->values().memoizedPValuesChanged()) EXPECT_EQ(changed, 0);
 
   h.host.echo = false;
   h.userSets("A", 30);  // leading edge: at once
@@ -255,7 +255,7 @@ TEST(ZelGenericUI, TheSketchIsFedThroughItsLimiterAndHiddenAdvancedChangesFlashT
   h.userSets("Adv", 6);  // within the second: dropped
   EXPECT_EQ(spotlight->animationForKey("flash"), nullptr);
   h.run(0.6);
-  h.ui->toggleAdvancedDrawer();  // visible: no flash
+  h.ui->drawers().toggleAdvancedDrawer();  // visible: no flash
   h.userSets("Adv", 7);
   EXPECT_EQ(spotlight->animationForKey("flash"), nullptr);
 }
@@ -265,12 +265,12 @@ TEST(ZelGenericUI, DescriptionsWithoutPartsStillMakeAWorkingEditor) {
     EditorHarness h(SmallConfig(false, false));
     EXPECT_EQ(h.ui->advDrawer(), nullptr);
     EXPECT_EQ(h.ui->presetDrawer(), nullptr);
-    EXPECT_FALSE(h.ui->toggleAdvancedDrawer());
-    h.ui->gearTapped();
+    EXPECT_FALSE(h.ui->drawers().toggleAdvancedDrawer());
+    h.ui->drawers().gearTapped();
     EXPECT_FALSE(h.ui->powerBox()->gear()->isEnabled());
     h.ui->requestPresetNamed("Warm");
-    h.ui->checkPresetDirtyState();
-    EXPECT_FALSE(h.ui->isAdvancedDrawerVisible());
+    h.ui->presets().checkPresetDirtyState();
+    EXPECT_FALSE(h.ui->drawers().isAdvancedDrawerVisible());
     EXPECT_EQ(h.ui->keyboard().currentParametersURLEncoded(), "https://www.zel-audio.example/tst/2.0/?");
   }
   EditorHarness h(std::make_unique<ZelConfig>());
@@ -293,5 +293,5 @@ TEST(ZelGenericUI, DescriptionsWithoutPartsStillMakeAWorkingEditor) {
   EXPECT_EQ(bare.powerBox(), nullptr);
   EXPECT_FALSE(bare.keyDown(ZelEvent::key(ZelEventType::KeyDown, "\t", ZelKeyCodeTab)));
   bare.updateParameterKeyed(0, 1);
-  bare.hideAllDrawers();
+  bare.drawers().hideAllDrawers();
 }

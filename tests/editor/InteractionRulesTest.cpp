@@ -84,9 +84,9 @@ TEST(ZelInteractionRules, MonoLayoutFixesModeAndDisablesWidth) {
 }
 
 TEST(ZelInteractionRules, ArithmeticHelper) {
-  EXPECT_FLOAT_EQ(ZelGenericUI::resultForOperator("/", "x", "2", 5), 2.5f);
-  EXPECT_EQ(ZelGenericUI::resultForOperator("*", "x", "2", 5), 0);
-  EXPECT_EQ(ZelGenericUI::valueForArg("x", 7), 7);
-  EXPECT_EQ(ZelGenericUI::valueForArg("12.5", 7), 12.5f);
-  EXPECT_EQ(ZelGenericUI::valueForArg("twelve", 7), 0);
+  EXPECT_FLOAT_EQ(ZelInteractionRules::resultForOperator("/", "x", "2", 5), 2.5f);
+  EXPECT_EQ(ZelInteractionRules::resultForOperator("*", "x", "2", 5), 0);
+  EXPECT_EQ(ZelInteractionRules::valueForArg("x", 7), 7);
+  EXPECT_EQ(ZelInteractionRules::valueForArg("12.5", 7), 12.5f);
+  EXPECT_EQ(ZelInteractionRules::valueForArg("twelve", 7), 0);
 }

@@ -28,19 +28,19 @@ const std::string kBase = "https://www.zel-audio.example/tst/2.0";
 
 TEST(ZelKeyboardHandler, TabCommitsATypedNumberBeforeMovingOn) {
   EditorHarness h(SmallConfig());
-  h.ui->bringParameterControlIntoFocus(&h.control("A"));
+  h.ui->focus().bringParameterControlIntoFocus(&h.control("A"));
   Type(h, "7");
   h.window.sendEvent(Key("\t", ZelKeyCodeTab));
   EXPECT_EQ(h.host.updates, (std::vector<RecordingHost::Update>{{1, 7}}));
   h.run(0.1);
   EXPECT_EQ(h.control("A").floatValue(), 7);
-  EXPECT_EQ(h.ui->focusedControl(), &h.control("B"));
+  EXPECT_EQ(h.ui->focus().focusedControl(), &h.control("B"));
   EXPECT_EQ(h.ui->keyboard().numberBuffer(), "");
 }
 
 TEST(ZelKeyboardHandler, TabSkipsDisabledControlsAndStaysInsideTheAdvancedDrawer) {
   EditorHarness h(SmallConfig());
-  auto focused = [&] { return h.ui->focusedControl(); };
+  auto focused = [&] { return h.ui->focus().focusedControl(); };
   const ZelEvent tab = Key("\t", ZelKeyCodeTab);
   h.ui->setChannelsIn(1, 1);  // Mode and Width disabled
   h.window.sendEvent(tab);
@@ -48,7 +48,7 @@ TEST(ZelKeyboardHandler, TabSkipsDisabledControlsAndStaysInsideTheAdvancedDrawer
   h.window.sendEvent(tab);
   EXPECT_EQ(focused(), &h.control("A"));
 
-  h.ui->toggleAdvancedDrawer();
+  h.ui->drawers().toggleAdvancedDrawer();
   h.run(1.0);
   h.window.sendEvent(tab);
   EXPECT_EQ(focused(), &h.control("Adv"));
@@ -74,14 +74,14 @@ TEST(ZelKeyboardHandler, ShortcutsNeedCommandAndArrowsStepTheFocusedControl) {
   h.run(0.1);
   EXPECT_TRUE(h.ui->isProcessing());
   h.window.sendEvent(Key("a", ZelKeyCodeUnknown, ZelEventModifierCommand));
-  EXPECT_TRUE(h.ui->isAdvancedDrawerVisible());
+  EXPECT_TRUE(h.ui->drawers().isAdvancedDrawerVisible());
   h.window.sendEvent(Key("t", ZelKeyCodeUnknown, ZelEventModifierCommand));
   h.window.sendEvent(Key("t", ZelKeyCodeUnknown, ZelEventModifierCommand));
   EXPECT_EQ(h.host.prefs.size(), 2u);
 
   // Arrows: nothing focused, nothing handled; then normal, fine, coarse.
   EXPECT_FALSE(h.window.sendEvent(ZelEvent::arrowKey(ZelUpArrowFunctionKey)));
-  h.ui->bringParameterControlIntoFocus(&h.control("Adv"));
+  h.ui->focus().bringParameterControlIntoFocus(&h.control("Adv"));
   h.window.sendEvent(ZelEvent::arrowKey(ZelUpArrowFunctionKey));
   EXPECT_FLOAT_EQ(h.control("Adv").floatValue(), 1);
   h.window.sendEvent(ZelEvent::arrowKey(ZelDownArrowFunctionKey, ZelEventModifierCommand));

@@ -31,6 +31,8 @@ import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 OUT = os.path.normpath(os.path.join(HERE, "..", "config.plist"))
+sys.path.insert(0, os.path.join(HERE, "..", "..", "..", "model", "tools"))
+from zel_description_schema import SCHEMA  # noqa: E402
 
 # ---------------------------------------------------------------- helpers
 
@@ -378,6 +380,11 @@ def without_label_images(node):
 
 
 def main(argv):
+    # Only keys the description format has, each of its kind.
+    problems = SCHEMA.problems(description())
+    if problems:
+        print("\n".join(f"make_config: {p}" for p in problems), file=sys.stderr)
+        return 1
     data = plistlib.dumps(description(), fmt=plistlib.FMT_XML, sort_keys=True)
     if "--check" in argv:
         with open(OUT, "rb") as f:

@@ -79,14 +79,14 @@ int main(int argc, char** argv) {
       shoot("main", [](Scene& s) {
         s.ui->updateParameterNamed("Degrade", 35);
         s.ui->updateParameterNamed("LowCut", 120);
-        s.ui->bringParameterControlIntoFocus(s.ui->parameterControlWithCodename("Drive"));
+        s.ui->focus().bringParameterControlIntoFocus(s.ui->parameterControlWithCodename("Drive"));
         s.run(1.0);
       });
-      shoot("advanced", [](Scene& s) { s.ui->toggleAdvancedDrawer(); s.run(1.0); });
-      shoot("presets", [](Scene& s) { s.ui->requestPresetNamed("Telephone"); s.ui->togglePresetsDrawer(); s.run(1.0); });
+      shoot("advanced", [](Scene& s) { s.ui->drawers().toggleAdvancedDrawer(); s.run(1.0); });
+      shoot("presets", [](Scene& s) { s.ui->requestPresetNamed("Telephone"); s.ui->drawers().togglePresetsDrawer(); s.run(1.0); });
       shoot("poweroff", [](Scene& s) { s.ui->updateParameterKeyed(0, 0); s.run(1.0); });
-      shoot("mono", [](Scene& s) { s.ui->setChannelsIn(1, 1); s.ui->toggleAdvancedDrawer(); s.run(1.0); });
-      shoot("opening", [](Scene& s) { s.ui->toggleAdvancedDrawer(); s.run(0.1); });
+      shoot("mono", [](Scene& s) { s.ui->setChannelsIn(1, 1); s.ui->drawers().toggleAdvancedDrawer(); s.run(1.0); });
+      shoot("opening", [](Scene& s) { s.ui->drawers().toggleAdvancedDrawer(); s.run(0.1); });
     }
     return true;
   });

@@ -1,11 +1,8 @@
-// The interaction rules: what a parameter's value does to other controls
-// (scope dimming, "highlights", "dims", "disables", "hides"), the
-// channel-layout rules, and the small arithmetic helper.
-//
-// Rule data come straight from the description; anything of the wrong shape
-// (not an array, a name that is not a string, a name without a control) is
-// skipped.
+// The interaction rules: what a parameter's value does to other controls,
+// the channel-layout rules, and the small arithmetic helper.
 #include <cmath>
+
+#include "editor/ZelInteractionRules.h"
 
 #include "editor/ZelGenericUI.h"
 #include "editor/containers/ZelClumpView.h"
@@ -21,7 +18,6 @@ constexpr std::uint32_t kGlobalScopePriority = 0;
 constexpr std::uint32_t kClumpScopePriority = 5;
 constexpr std::uint32_t kRulePriority = 10;
 constexpr std::uint32_t kChannelLayoutPriority = 1000;
-constexpr double kDirtyCheckDelay = 0.5;
 
 // Whether the value, truncated toward zero, is 0 (a NaN counts as 0).
 bool truncatesToZero(float value) { return !(std::fabs(value) >= 1.0f); }
@@ -34,7 +30,7 @@ void dimIfDimmable(ZelView& view, bool dimmed, std::uint32_t priority) {
 
 }  // namespace
 
-void ZelGenericUI::handleSideEffectsOfUpdatedControl(ZelParameterControl& control, float value) {
+void ZelInteractionRules::handleSideEffectsOfUpdatedControl(ZelParameterControl& control, float value) {
   const ZelParameter* p = control.parameter();
   if (!p) return;
   applyScope(control, value);
@@ -44,14 +40,14 @@ void ZelGenericUI::handleSideEffectsOfUpdatedControl(ZelParameterControl& contro
     if (c.primaryControl()) c.primaryControl()->setPreventInteraction(match);
   });
   applyIndexedRule(p->hides, value, [](ZelParameterControl& c, bool match) { c.setHidden(match); });
-  scheduleDirtyCheck();
+  ui_.presets().scheduleDirtyCheck();
 }
 
-void ZelGenericUI::applyScope(ZelParameterControl& control, float value) {
+void ZelInteractionRules::applyScope(ZelParameterControl& control, float value) {
   const bool dimmed = truncatesToZero(value);
   switch (control.parameter()->scope) {
     case ZelScope::Global:
-      for (ZelClumpsView* clumps : {clumpsView_, advClumpsView_}) {
+      for (ZelClumpsView* clumps : {ui_.clumpsView(), ui_.advClumpsView()}) {
         if (!clumps) continue;
         for (const auto& view : clumps->subviews()) dimIfDimmable(*view, dimmed, kGlobalScopePriority);
       }
@@ -67,7 +63,7 @@ void ZelGenericUI::applyScope(ZelParameterControl& control, float value) {
 
 // Element i of `rule` (an array of code names) applies when `value` is i;
 // every named control hears about every element, in index order.
-void ZelGenericUI::applyIndexedRule(const ZelPlist& rule, float value,
+void ZelInteractionRules::applyIndexedRule(const ZelPlist& rule, float value,
                                     const std::function<void(ZelParameterControl&, bool)>& apply) {
   const ZelPlist::Array* elements = rule.asArray();
   if (!elements) return;
@@ -77,30 +73,25 @@ void ZelGenericUI::applyIndexedRule(const ZelPlist& rule, float value,
     const bool match = static_cast<float>(i) == value;
     for (const ZelPlist& name : *names) {
       const std::string* text = name.asString();
-      ZelParameterControl* target = text ? parameterControlWithCodename(*text) : nullptr;
+      ZelParameterControl* target = text ? ui_.parameterControlWithCodename(*text) : nullptr;
       if (target) apply(*target, match);
     }
   }
 }
 
-void ZelGenericUI::scheduleDirtyCheck() {
-  const ZelCallKey key{this, "checkPresetDirtyState"};
-  runLoop_.cancel(key);
-  runLoop_.schedule(kDirtyCheckDelay, [this] { checkPresetDirtyState(); }, key);
-}
-
 // ---- Channel layouts.
 
-void ZelGenericUI::setChannelsIn(std::uint32_t channelsIn, std::uint32_t channelsOut) {
-  if (!config_) return;
-  config_->enumerateParameters([&](const ZelParameter& p, const ZelClump&) {
+void ZelInteractionRules::setChannelsIn(std::uint32_t channelsIn, std::uint32_t channelsOut) {
+  const ZelConfig* config = ui_.config();
+  if (!config) return;
+  config->enumerateParameters([&](const ZelParameter& p, const ZelClump&) {
     const ZelPlist::Array* rules = p.channelLayoutRules.asArray();
     if (!rules) return;
     for (const ZelPlist& rule : *rules) {
       const ZelPlist& map = rule["map"];
       if (map.count() < 2 || !map.isArray()) continue;
       if (map[0].integerValue() != channelsIn || map[1].integerValue() != channelsOut) continue;
-      ZelParameterControl* control = parameterControlWithCodename(p.codesafeName);
+      ZelParameterControl* control = ui_.parameterControlWithCodename(p.codesafeName);
       if (!control || !rule.contains("disabled")) continue;
       control->setDimmed(true, 0, kChannelLayoutPriority);
       if (control->primaryControl()) control->primaryControl()->setPreventInteraction(true);
@@ -114,12 +105,12 @@ void ZelGenericUI::setChannelsIn(std::uint32_t channelsIn, std::uint32_t channel
 
 // ---- Arithmetic.
 
-float ZelGenericUI::valueForArg(std::string_view arg, float x) {
+float ZelInteractionRules::valueForArg(std::string_view arg, float x) {
   if (arg == "x") return x;
   return static_cast<float>(ZelParseUserNumber(arg).value_or(0.0));
 }
 
-float ZelGenericUI::resultForOperator(std::string_view op, std::string_view arg1, std::string_view arg2, float x) {
+float ZelInteractionRules::resultForOperator(std::string_view op, std::string_view arg1, std::string_view arg2, float x) {
   const float a = valueForArg(arg1, x);
   const float b = valueForArg(arg2, x);
   if (op == "/") return a / b;

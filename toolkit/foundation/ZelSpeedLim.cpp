@@ -1,4 +1,4 @@
-#include "host/ZelSpeedLim.h"
+#include "toolkit/foundation/ZelSpeedLim.h"
 
 #include <limits>
 
