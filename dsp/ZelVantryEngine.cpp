@@ -186,6 +186,12 @@ void ZelVantryEngine::updateFilters(bool glide) {
       for (Lane& lane : lanes_) lane.ic1[slot] = lane.ic2[slot] = 0;
     }
   }
+  // What the cascade runs: within a glide, from where the coefficients
+  // stood to where they stand now, sample by sample.
+  for (int a = 0; a < activeCount_; ++a) {
+    cascade_[a] = ZelCascadeSection(sections_[activeSlots_[a]]);
+    cascadeFrom_[a] = ZelCascadeSection(previous_[activeSlots_[a]]);
+  }
   filtersDirty_ = false;
 }
 
@@ -196,10 +202,20 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   if (!started_) start(values);
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
-    const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(subBlock_)));
+    const int most = still() ? kMaxChunk : subBlock_;
+    const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
     done += std::uint32_t(n);
   }
+}
+
+// Nothing glides, waits to switch or needs new filter coefficients: a chunk
+// of any length works as a row of sub-blocks would.
+bool ZelVantryEngine::still() const {
+  for (const ZelRamp* r : {&drive_, &degrade_, &output_, &lowCut_, &highCut_, &slope_, &mix_, &hiss_, &width_,
+                           &power_, &dip_})
+    if (r->moving()) return false;
+  return pendingMode_ == mode_ && pendingHQ_ == hq_ && dip_.value() == 1 && !filtersGlide_ && !filtersDirty_;
 }
 
 void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::uint32_t offset, int n) {
@@ -247,7 +263,7 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
         else encoded_[0][i] = 0.5f * (l + r), encoded_[1][i] = 0.5f * (l - r);
       }
     }
-    for (int lane = 0; lane < lanes; ++lane) runLane(lane, encoded_[lane], wet_[lane], n);
+    runLanes(lanes, n);
   }
 
   const double gainFrom = std::pow(10.0, output.from / 20), gainTo = std::pow(10.0, output.to / 20);
@@ -297,16 +313,17 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
   }
 }
 
-void ZelVantryEngine::runLane(int index, const float* in, float* out, int n) {
-  Lane& lane = lanes_[index];
-  ZelOversampler& os = oversamplers_[index];
-  const int total = n * os.factor();
-  os.up(in, work_, n);
-  drive(work_, total);
-  degrade(lane, work_, total);
-  hiss(lane, work_, total);
-  filter(lane, work_, total);
-  os.down(work_, out, n);
+void ZelVantryEngine::runLanes(int lanes, int n) {
+  const int total = n * oversamplers_[0].factor();
+  for (int i = 0; i < lanes; ++i) {
+    float* x = work_[i];
+    oversamplers_[i].up(encoded_[i], x, n);
+    drive(x, total);
+    degrade(lanes_[i], x, total);
+    hiss(lanes_[i], x, total);
+  }
+  filter(lanes, total);
+  for (int i = 0; i < lanes; ++i) oversamplers_[i].down(work_[i], wet_[i], n);
 }
 
 void ZelVantryEngine::drive(float* x, int n) const {
@@ -363,40 +380,18 @@ void ZelVantryEngine::hiss(Lane& lane, float* x, int n) const {
   for (int i = 0; i < n; ++i) x[i] += lerp(a0, a1, double(i + 1) / n) * uniformNoise(lane.noise);
 }
 
-void ZelVantryEngine::filter(Lane& lane, float* x, int n) const {
-  double buffer[ZelOversampler::kMaxFactor * kMaxSubBlock];
-  for (int i = 0; i < n; ++i) buffer[i] = x[i];
-  for (int a = 0; a < activeCount_; ++a) {
-    const int k = activeSlots_[a];
-    const ZelStateVariableSection& s = sections_[k];
-    double ic1 = lane.ic1[k], ic2 = lane.ic2[k];
-    if (!filtersGlide_) {
-      for (int i = 0; i < n; ++i) {
-        const double v0 = buffer[i];
-        const double v3 = v0 - ic2;
-        const double v1 = s.a1 * ic1 + s.a2 * v3;
-        const double v2 = ic2 + s.a2 * ic1 + s.a3 * v3;
-        ic1 = 2 * v1 - ic1;
-        ic2 = 2 * v2 - ic2;
-        buffer[i] = s.m0 * v0 + s.m1 * v1 + s.m2 * v2;
-      }
-    } else {
-      const ZelStateVariableSection& p = previous_[k];
-      for (int i = 0; i < n; ++i) {
-        const double t = double(i + 1) / n;
-        const double a1 = p.a1 + t * (s.a1 - p.a1), a2 = p.a2 + t * (s.a2 - p.a2), a3 = p.a3 + t * (s.a3 - p.a3);
-        const double v0 = buffer[i];
-        const double v3 = v0 - ic2;
-        const double v1 = a1 * ic1 + a2 * v3;
-        const double v2 = ic2 + a2 * ic1 + a3 * v3;
-        ic1 = 2 * v1 - ic1;
-        ic2 = 2 * v2 - ic2;
-        buffer[i] = (p.m0 + t * (s.m0 - p.m0)) * v0 + (p.m1 + t * (s.m1 - p.m1)) * v1 + (p.m2 + t * (s.m2 - p.m2)) * v2;
-      }
-    }
-    lane.ic1[k] = ic1, lane.ic2[k] = ic2;
-  }
-  for (int i = 0; i < n; ++i) x[i] = float(buffer[i]);
+// Both lanes through the active sections at once; their states live in
+// the lanes by slot, so that they keep their place as the order changes.
+void ZelVantryEngine::filter(int lanes, int n) {
+  ZelCascadeState states[2 * kZelButterworthSlots * kLanes];
+  for (int a = 0; a < activeCount_; ++a)
+    for (int i = 0; i < lanes; ++i)
+      states[a * lanes + i] = {lanes_[i].ic1[activeSlots_[a]], lanes_[i].ic2[activeSlots_[a]]};
+  float* x[kLanes] = {work_[0], work_[1]};
+  ZelRunCascade(filtersGlide_ ? cascadeFrom_ : nullptr, cascade_, activeCount_, states, lanes, x, n);
+  for (int a = 0; a < activeCount_; ++a)
+    for (int i = 0; i < lanes; ++i)
+      lanes_[i].ic1[activeSlots_[a]] = states[a * lanes + i].s1, lanes_[i].ic2[activeSlots_[a]] = states[a * lanes + i].s2;
 }
 
 ZEL_DSP_NAMESPACE_END
