@@ -1,6 +1,7 @@
 #include "dsp/ZelVantryEngine.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <iterator>
@@ -46,6 +47,84 @@ inline float uniformNoise(std::uint32_t& state) {
 }
 
 inline float lerp(double a, double b, double t) { return float(a + (b - a) * t); }
+
+// By the exponent's bits, so that the loops testing it vectorise.
+inline bool isFinite(float x) { return (std::bit_cast<std::uint32_t>(x) & 0x7f800000u) != 0x7f800000u; }
+
+// n samples into, or out of, a ring of `size` (a power of two) from `at` on.
+template <int size>
+void ringWrite(float (&ring)[size], int at, const float* from, int n) {
+  const int first = std::min(n, size - at);
+  std::copy_n(from, first, ring + at);
+  std::copy_n(from + first, n - first, ring);
+}
+template <int size>
+void ringRead(const float (&ring)[size], int at, float* to, int n) {
+  const int first = std::min(n, size - at);
+  std::copy_n(ring + at, first, to);
+  std::copy_n(ring, n - first, to + first);
+}
+
+// A glide's value at each sample of a sub-block (reaching `to` at the
+// last), divided by `divisor`.
+struct Range {
+  double from, to;
+};
+void spread(float* v, Range r, int n, float divisor = 1) {
+  if (r.from == r.to) std::fill_n(v, n, float(r.from));  // what lerp gives, without the work
+  else
+    for (int i = 0; i < n; ++i) v[i] = lerp(r.from, r.to, double(i + 1) / n);
+  if (divisor != 1)
+    for (int i = 0; i < n; ++i) v[i] /= divisor;
+}
+
+// The wet signal back to the outputs: mixed with the dry one (encoded
+// alike, from the delayed input), decoded, widened, scaled, crossfaded with
+// the bypass for Power and dipped for a switch. Per sample values of Mix
+// and Width (as fractions), Output (as a gain), Power and the dip.
+struct Mixing {
+  float mix[ZelVantryEngine::kMaxChunk], width[ZelVantryEngine::kMaxChunk], gain[ZelVantryEngine::kMaxChunk];
+  const float* power;
+  const float* dip;
+};
+enum Routing { kOneChannel, kMonoSum, kLeftRight, kMidSideSum };
+
+template <Routing R>
+void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet, float* __restrict o0,
+            float* __restrict o1, int n) {
+  const float* b0 = bypass[0];
+  const float* b1 = bypass[1];
+  const float* w0 = wet[0];
+  const float* w1 = wet[1];
+  for (int i = 0; i < n; ++i) {
+    const float mx = m.mix[i];
+    float dry0 = b0[i], dry1 = 0;
+    if (R == kMonoSum || R == kMidSideSum) dry0 = 0.5f * (b0[i] + b1[i]);
+    if (R == kLeftRight) dry1 = b1[i];
+    if (R == kMidSideSum) dry1 = 0.5f * (b0[i] - b1[i]);
+    const float m0 = mx == 1 ? w0[i] : dry0 + mx * (w0[i] - dry0);
+    float l = m0, r = m0;
+    if (R == kLeftRight || R == kMidSideSum) {
+      const float m1 = mx == 1 ? w1[i] : dry1 + mx * (w1[i] - dry1);
+      l = R == kLeftRight ? m0 : m0 + m1;
+      r = R == kLeftRight ? m1 : m0 - m1;
+    }
+    if (R != kOneChannel) {
+      const float wd = m.width[i];
+      const float mid = 0.5f * (l + r), side = 0.5f * (l - r) * wd;
+      l = wd != 1 ? mid + side : l;
+      r = wd != 1 ? mid - side : r;
+    }
+    const float gain = m.gain[i], pw = m.power[i], dp = m.dip[i];
+    l *= gain, r *= gain;
+    float y0 = pw == 1 ? l : b0[i] + pw * (l - b0[i]);
+    o0[i] = dp == 1 ? y0 : dp * y0;
+    if (R != kOneChannel) {
+      const float y1 = pw == 1 ? r : b1[i] + pw * (r - b1[i]);
+      o1[i] = dp == 1 ? y1 : dp * y1;
+    }
+  }
+}
 
 }  // namespace
 
@@ -235,79 +314,66 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
   // The input, cleaned of anything non-finite, into the delay line; the
   // bypass reads it back `latency` samples later.
   const int latency = oversamplers_[0].latency();
+  float raw[kLanes][kMaxChunk];
   for (int c = 0; c < channels_; ++c) {
-    float* line = delay_[c];
-    for (int i = 0; i < n; ++i) {
-      float x = in[c][offset + i];
-      if (!std::isfinite(x)) x = 0;
-      const int w = (delayWrite_ + i) & (kDelay - 1);
-      line[w] = x;
-      bypass_[c][i] = line[(w - latency) & (kDelay - 1)];
-    }
+    const float* x = in[c] + offset;
+    for (int i = 0; i < n; ++i) raw[c][i] = isFinite(x[i]) ? x[i] : 0.0f;
+    ringWrite(delay_[c], delayWrite_, raw[c], n);
+    ringRead(delay_[c], (delayWrite_ - latency) & (kDelay - 1), bypass_[c], n);
   }
   delayWrite_ = (delayWrite_ + n) & (kDelay - 1);
-  const auto raw = [&](int c, int i) { return delay_[c][(delayWrite_ - n + i) & (kDelay - 1)]; };
 
   const bool awake = power.from > 0 || power.to > 0;
   const int mode = channels_ == 1 ? kMono : mode_;
   const int lanes = channels_ == 1 || mode == kMono ? 1 : 2;
   if (awake) {
     // Encode, then run each lane's chain.
-    for (int i = 0; i < n; ++i) {
-      if (channels_ == 1) {
-        encoded_[0][i] = raw(0, i);
-      } else {
-        const float l = raw(0, i), r = raw(1, i);
-        if (mode == kStereo) encoded_[0][i] = l, encoded_[1][i] = r;
-        else if (mode == kMono) encoded_[0][i] = 0.5f * (l + r);
-        else encoded_[0][i] = 0.5f * (l + r), encoded_[1][i] = 0.5f * (l - r);
+    if (channels_ == 1) {
+      std::copy_n(raw[0], n, encoded_[0]);
+    } else if (mode == kStereo) {
+      std::copy_n(raw[0], n, encoded_[0]);
+      std::copy_n(raw[1], n, encoded_[1]);
+    } else if (mode == kMono) {
+      for (int i = 0; i < n; ++i) encoded_[0][i] = 0.5f * (raw[0][i] + raw[1][i]);
+    } else {
+      for (int i = 0; i < n; ++i) {
+        encoded_[0][i] = 0.5f * (raw[0][i] + raw[1][i]);
+        encoded_[1][i] = 0.5f * (raw[0][i] - raw[1][i]);
       }
     }
     runLanes(lanes, n);
   }
 
   const double gainFrom = std::pow(10.0, output.from / 20), gainTo = std::pow(10.0, output.to / 20);
-  float finite = 0;
-  for (int i = 0; i < n; ++i) {
-    const double t = double(i + 1) / n;
-    const float pw = lerp(power.from, power.to, t), dp = lerp(dip.from, dip.to, t);
-    float result[2] = {bypass_[0][i], channels_ == 2 ? bypass_[1][i] : 0.0f};
-    if (awake) {
-      // The dry signal, encoded like the wet one but from the delayed input.
-      const float mx = lerp(mix.from, mix.to, t) / 100;
-      float dry[2];
-      if (channels_ == 1 || mode == kMono) {
-        dry[0] = channels_ == 1 ? bypass_[0][i] : 0.5f * (bypass_[0][i] + bypass_[1][i]);
-      } else if (mode == kStereo) {
-        dry[0] = bypass_[0][i], dry[1] = bypass_[1][i];
-      } else {
-        dry[0] = 0.5f * (bypass_[0][i] + bypass_[1][i]), dry[1] = 0.5f * (bypass_[0][i] - bypass_[1][i]);
-      }
-      float m[2];
-      for (int lane = 0; lane < lanes; ++lane) m[lane] = mx == 1 ? wet_[lane][i] : dry[lane] + mx * (wet_[lane][i] - dry[lane]);
-      float l, r;
-      if (channels_ == 1 || mode == kMono) l = r = m[0];
-      else if (mode == kStereo) l = m[0], r = m[1];
-      else l = m[0] + m[1], r = m[0] - m[1];
-      const float wd = lerp(width.from, width.to, t) / 100;
-      if (channels_ == 2 && wd != 1) {
-        const float mid = 0.5f * (l + r), side = 0.5f * (l - r) * wd;
-        l = mid + side, r = mid - side;
-      }
-      const float gain = lerp(gainFrom, gainTo, t);
-      l *= gain, r *= gain;
-      if (pw == 1) result[0] = l, result[1] = r;
-      else result[0] += pw * (l - result[0]), result[1] += pw * (r - result[1]);
-    }
+  float pw[kMaxChunk], dp[kMaxChunk];
+  spread(pw, {power.from, power.to}, n);
+  spread(dp, {dip.from, dip.to}, n);
+  float* const o0 = out[0] + offset;
+  float* const o1 = channels_ == 2 ? out[1] + offset : nullptr;
+  if (awake) {
+    Mixing m;
+    spread(m.mix, {mix.from, mix.to}, n, 100);
+    spread(m.width, {width.from, width.to}, n, 100);
+    spread(m.gain, {gainFrom, gainTo}, n);
+    m.power = pw, m.dip = dp;
+    const float* b[2] = {bypass_[0], bypass_[1]};
+    const float* w[2] = {wet_[0], wet_[1]};
+    if (channels_ == 1) mixOut<kOneChannel>(m, b, w, o0, o1, n);
+    else if (mode == kMono) mixOut<kMonoSum>(m, b, w, o0, o1, n);
+    else if (mode == kStereo) mixOut<kLeftRight>(m, b, w, o0, o1, n);
+    else mixOut<kMidSideSum>(m, b, w, o0, o1, n);
+  } else {
     for (int c = 0; c < channels_; ++c) {
-      const float y = dp == 1 ? result[c] : dp * result[c];
-      out[c][offset + i] = y;
-      finite += y * 0;
+      float* const o = out[c] + offset;
+      for (int i = 0; i < n; ++i) o[i] = dp[i] == 1 ? bypass_[c][i] : dp[i] * bypass_[c][i];
     }
   }
+  bool finite = true;
+  for (int c = 0; c < channels_; ++c)
+    for (int i = 0; i < n; ++i) finite &= isFinite(out[c][offset + i]);
   // Nothing non-finite gets in, so nothing should come out; should it ever,
   // the chain starts over rather than ringing on.
-  if (!std::isfinite(finite)) {
+  if (!finite) {
     clearLanes();
     for (int c = 0; c < channels_; ++c) std::fill(out[c] + offset, out[c] + offset + n, 0.0f);
   }
