@@ -50,6 +50,11 @@ inline float lerp(double a, double b, double t) { return float(a + (b - a) * t);
 
 // By the exponent's bits, so that the loops testing it vectorise.
 inline bool isFinite(float x) { return (std::bit_cast<std::uint32_t>(x) & 0x7f800000u) != 0x7f800000u; }
+bool allFinite(const float* x, int n) {
+  std::uint32_t infinite = 0;
+  for (int i = 0; i < n; ++i) infinite |= std::uint32_t((std::bit_cast<std::uint32_t>(x[i]) & 0x7f800000u) == 0x7f800000u);
+  return !infinite;
+}
 
 // n samples into, or out of, a ring of `size` (a power of two) from `at` on.
 template <int size>
@@ -71,9 +76,11 @@ struct Range {
   double from, to;
 };
 void spread(float* v, Range r, int n, float divisor = 1) {
-  if (r.from == r.to) std::fill_n(v, n, float(r.from));  // what lerp gives, without the work
-  else
-    for (int i = 0; i < n; ++i) v[i] = lerp(r.from, r.to, double(i + 1) / n);
+  if (r.from == r.to) {  // what lerp gives, without the work
+    std::fill_n(v, n, float(r.from) / divisor);
+    return;
+  }
+  for (int i = 0; i < n; ++i) v[i] = lerp(r.from, r.to, double(i + 1) / n);
   if (divisor != 1)
     for (int i = 0; i < n; ++i) v[i] /= divisor;
 }
@@ -369,8 +376,7 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
     }
   }
   bool finite = true;
-  for (int c = 0; c < channels_; ++c)
-    for (int i = 0; i < n; ++i) finite &= isFinite(out[c][offset + i]);
+  for (int c = 0; c < channels_; ++c) finite &= allFinite(out[c] + offset, n);
   // Nothing non-finite gets in, so nothing should come out; should it ever,
   // the chain starts over rather than ringing on.
   if (!finite) {
