@@ -288,7 +288,7 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   if (!started_) start(values);
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
-    const int most = still() ? kMaxChunk : subBlock_;
+    const int most = !still() ? subBlock_ : hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
     const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
     done += std::uint32_t(n);
@@ -386,16 +386,18 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
 }
 
 void ZelVantryEngine::runLanes(int lanes, int n) {
-  const int total = n * oversamplers_[0].factor();
+  // Without oversampling the chain works in the wet buffer itself.
+  const int factor = oversamplers_[0].factor(), total = n * factor;
+  float* x[kLanes] = {factor == 1 ? wet_[0] : work_[0], factor == 1 ? wet_[1] : work_[1]};
   for (int i = 0; i < lanes; ++i) {
-    float* x = work_[i];
-    oversamplers_[i].up(encoded_[i], x, n);
-    drive(x, total);
-    degrade(lanes_[i], x, total);
-    hiss(lanes_[i], x, total);
+    oversamplers_[i].up(encoded_[i], x[i], n);
+    drive(x[i], total);
+    degrade(lanes_[i], x[i], total);
+    hiss(lanes_[i], x[i], total);
   }
-  filter(lanes, total);
-  for (int i = 0; i < lanes; ++i) oversamplers_[i].down(work_[i], wet_[i], n);
+  filter(x, lanes, total);
+  if (factor > 1)
+    for (int i = 0; i < lanes; ++i) oversamplers_[i].down(work_[i], wet_[i], n);
 }
 
 void ZelVantryEngine::drive(float* x, int n) const {
@@ -454,12 +456,11 @@ void ZelVantryEngine::hiss(Lane& lane, float* x, int n) const {
 
 // Both lanes through the active sections at once; their states live in
 // the lanes by slot, so that they keep their place as the order changes.
-void ZelVantryEngine::filter(int lanes, int n) {
+void ZelVantryEngine::filter(float* const* x, int lanes, int n) {
   ZelCascadeState states[2 * kZelButterworthSlots * kLanes];
   for (int a = 0; a < activeCount_; ++a)
     for (int i = 0; i < lanes; ++i)
       states[a * lanes + i] = {lanes_[i].ic1[activeSlots_[a]], lanes_[i].ic2[activeSlots_[a]]};
-  float* x[kLanes] = {work_[0], work_[1]};
   ZelRunCascade(filtersGlide_ ? cascadeFrom_ : nullptr, cascade_, activeCount_, states, lanes, x, n);
   for (int a = 0; a < activeCount_; ++a)
     for (int i = 0; i < lanes; ++i)

@@ -33,8 +33,11 @@ ZEL_DSP_NAMESPACE_BEGIN
 class ZelVantryEngine {
  public:
   static constexpr int kMaxSubBlock = 64;
-  // Longest piece worked in one go while nothing moves.
-  static constexpr int kMaxChunk = ZelOversampler::kMaxBlock;
+  // Longest piece worked in one go while nothing moves (with HQ on, the
+  // oversampler's longest).
+  static constexpr int kMaxChunk = 256;
+  static constexpr int kMaxWork = ZelOversampler::kMaxFactor * ZelOversampler::kMaxBlock;
+  static_assert(kMaxChunk <= kMaxWork);
 
   ZelVantryEngine(int channels, double sampleRate);
 
@@ -64,7 +67,7 @@ class ZelVantryEngine {
   void drive(float* x, int n) const;
   void degrade(Lane& lane, float* x, int n) const;
   void hiss(Lane& lane, float* x, int n) const;
-  void filter(int lanes, int n);
+  void filter(float* const* x, int lanes, int n);
 
   double driveCompensation(double drive) const;
 
@@ -118,7 +121,7 @@ class ZelVantryEngine {
 
   // The raw input, delayed for the bypass and the dry signal.
   // A power of two above the longest chunk plus every latency.
-  static constexpr int kDelay = 256;
+  static constexpr int kDelay = 512;
   static_assert(kDelay >= kMaxChunk + 64);
   float delay_[kLanes][kDelay] = {};
   int delayWrite_ = 0;
@@ -127,7 +130,7 @@ class ZelVantryEngine {
   float encoded_[kLanes][kMaxChunk] = {};
   float wet_[kLanes][kMaxChunk] = {};
   float bypass_[kLanes][kMaxChunk] = {};
-  float work_[kLanes][ZelOversampler::kMaxFactor * kMaxChunk] = {};
+  float work_[kLanes][kMaxWork] = {};
 };
 
 ZEL_DSP_NAMESPACE_END
