@@ -88,7 +88,8 @@ void spread(float* v, Range r, int n, float divisor = 1) {
 // The wet signal back to the outputs: mixed with the dry one (encoded
 // alike, from the delayed input), decoded, widened, scaled, crossfaded with
 // the bypass for Power and dipped for a switch. Per sample values of Mix
-// and Width (as fractions), Output (as a gain), Power and the dip.
+// and Width (as fractions), Output (as a gain), Power and the dip; or,
+// Plain, only the gain, the same at every sample (gain[0]), the rest at 1.
 struct Mixing {
   float mix[ZelVantryEngine::kMaxChunk], width[ZelVantryEngine::kMaxChunk], gain[ZelVantryEngine::kMaxChunk];
   const float* power;
@@ -96,7 +97,7 @@ struct Mixing {
 };
 enum Routing { kOneChannel, kMonoSum, kLeftRight, kMidSideSum };
 
-template <Routing R>
+template <Routing R, bool Plain>
 void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet, float* __restrict o0,
             float* __restrict o1, int n) {
   const float* b0 = bypass[0];
@@ -104,7 +105,7 @@ void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet
   const float* w0 = wet[0];
   const float* w1 = wet[1];
   for (int i = 0; i < n; ++i) {
-    const float mx = m.mix[i];
+    const float mx = Plain ? 1.0f : m.mix[i];
     float dry0 = b0[i], dry1 = 0;
     if (R == kMonoSum || R == kMidSideSum) dry0 = 0.5f * (b0[i] + b1[i]);
     if (R == kLeftRight) dry1 = b1[i];
@@ -117,12 +118,12 @@ void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet
       r = R == kLeftRight ? m1 : m0 - m1;
     }
     if (R != kOneChannel) {
-      const float wd = m.width[i];
+      const float wd = Plain ? 1.0f : m.width[i];
       const float mid = 0.5f * (l + r), side = 0.5f * (l - r) * wd;
       l = wd != 1 ? mid + side : l;
       r = wd != 1 ? mid - side : r;
     }
-    const float gain = m.gain[i], pw = m.power[i], dp = m.dip[i];
+    const float gain = m.gain[Plain ? 0 : i], pw = Plain ? 1.0f : m.power[i], dp = Plain ? 1.0f : m.dip[i];
     l *= gain, r *= gain;
     float y0 = pw == 1 ? l : b0[i] + pw * (l - b0[i]);
     o0[i] = dp == 1 ? y0 : dp * y0;
@@ -352,23 +353,36 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
   }
 
   const double gainFrom = std::pow(10.0, output.from / 20), gainTo = std::pow(10.0, output.to / 20);
+  // All wet, full width, on and steady: only the routing and the gain.
+  const auto at = [](const Span& s, double value) { return s.from == value && s.to == value; };
+  const bool plain = awake && at(mix, 100) && at(width, 100) && at(power, 1) && at(dip, 1) && gainFrom == gainTo;
   float pw[kMaxChunk], dp[kMaxChunk];
-  spread(pw, {power.from, power.to}, n);
-  spread(dp, {dip.from, dip.to}, n);
+  if (!plain) {
+    spread(pw, {power.from, power.to}, n);
+    spread(dp, {dip.from, dip.to}, n);
+  }
   float* const o0 = out[0] + offset;
   float* const o1 = channels_ == 2 ? out[1] + offset : nullptr;
   if (awake) {
     Mixing m;
-    spread(m.mix, {mix.from, mix.to}, n, 100);
-    spread(m.width, {width.from, width.to}, n, 100);
-    spread(m.gain, {gainFrom, gainTo}, n);
-    m.power = pw, m.dip = dp;
+    if (plain) {
+      m.gain[0] = float(gainFrom);
+    } else {
+      spread(m.mix, {mix.from, mix.to}, n, 100);
+      spread(m.width, {width.from, width.to}, n, 100);
+      spread(m.gain, {gainFrom, gainTo}, n);
+      m.power = pw, m.dip = dp;
+    }
     const float* b[2] = {bypass_[0], bypass_[1]};
     const float* w[2] = {wet_[0], wet_[1]};
-    if (channels_ == 1) mixOut<kOneChannel>(m, b, w, o0, o1, n);
-    else if (mode == kMono) mixOut<kMonoSum>(m, b, w, o0, o1, n);
-    else if (mode == kStereo) mixOut<kLeftRight>(m, b, w, o0, o1, n);
-    else mixOut<kMidSideSum>(m, b, w, o0, o1, n);
+    const auto route = [&]<bool Plain>() {
+      if (channels_ == 1) mixOut<kOneChannel, Plain>(m, b, w, o0, o1, n);
+      else if (mode == kMono) mixOut<kMonoSum, Plain>(m, b, w, o0, o1, n);
+      else if (mode == kStereo) mixOut<kLeftRight, Plain>(m, b, w, o0, o1, n);
+      else mixOut<kMidSideSum, Plain>(m, b, w, o0, o1, n);
+    };
+    if (plain) route.template operator()<true>();
+    else route.template operator()<false>();
   } else {
     for (int c = 0; c < channels_; ++c) {
       float* const o = out[c] + offset;
