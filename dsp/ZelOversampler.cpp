@@ -52,13 +52,22 @@ void ZelHalfbandStage::reset() {
 void ZelHalfbandStage::up(const float* in, float* out, int n) {
   // x[j - i] for i = 0..M sits at upBuffer_[m_ + j - i].
   std::memcpy(upBuffer_ + m_, in, sizeof(float) * n);
+  // Tap by tap over the whole block (each output still sums its taps in
+  // order, so the result is that of the plain convolution), which runs
+  // across the outputs in vector registers.
   const int half = (m_ - 1) / 2;
+  const float* x = upBuffer_ + m_;
+  float acc[kMaxBlock];
+  for (int j = 0; j < n; ++j) acc[j] = taps_[0] * (x[j] + x[j - m_]);
+  for (int i = 1; i <= half; ++i) {
+    const float tap = taps_[i];
+    const float* newer = x - i;
+    const float* older = x + i - m_;
+    for (int j = 0; j < n; ++j) acc[j] += tap * (newer[j] + older[j]);
+  }
   for (int j = 0; j < n; ++j) {
-    const float* x = upBuffer_ + m_ + j;
-    float acc = 0;
-    for (int i = 0; i <= half; ++i) acc += taps_[i] * (x[-i] + x[i - m_]);
-    out[2 * j] = 2 * acc;
-    out[2 * j + 1] = x[-half];
+    out[2 * j] = 2 * acc[j];
+    out[2 * j + 1] = x[j - half];
   }
   std::memmove(upBuffer_, upBuffer_ + n, sizeof(float) * m_);
 }
@@ -66,13 +75,21 @@ void ZelHalfbandStage::up(const float* in, float* out, int n) {
 void ZelHalfbandStage::down(const float* in, float* out, int n) {
   // v[2j - i] for i = 0..2M sits at downBuffer_[2 * m_ + 2j - i].
   std::memcpy(downBuffer_ + 2 * m_, in, sizeof(float) * 2 * n);
+  // Tap by tap, as in up(), over the even inputs gathered first.
   const int half = (m_ - 1) / 2;
-  for (int j = 0; j < n; ++j) {
-    const float* v = downBuffer_ + 2 * m_ + 2 * j;
-    float acc = 0;
-    for (int i = 0; i <= half; ++i) acc += taps_[i] * (v[-2 * i] + v[2 * i - 2 * m_]);
-    out[j] = acc + 0.5f * v[-m_];
+  const float* v = downBuffer_ + 2 * m_;
+  float even[kMaxBlock + kMaxHalfOrder], acc[kMaxBlock];
+  // even[k] = v[2 (k - m_)], k = 0 .. n - 1 + m_
+  for (int k = 0; k < n + m_; ++k) even[k] = v[2 * (k - m_)];
+  const float* e = even + m_;  // e[j] = v[2j]
+  for (int j = 0; j < n; ++j) acc[j] = taps_[0] * (e[j] + e[j - m_]);
+  for (int i = 1; i <= half; ++i) {
+    const float tap = taps_[i];
+    const float* newer = e - i;
+    const float* older = e + i - m_;
+    for (int j = 0; j < n; ++j) acc[j] += tap * (newer[j] + older[j]);
   }
+  for (int j = 0; j < n; ++j) out[j] = acc[j] + 0.5f * v[2 * j - m_];
   std::memmove(downBuffer_, downBuffer_ + 2 * n, sizeof(float) * 2 * m_);
 }
 
