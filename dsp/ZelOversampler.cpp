@@ -24,6 +24,20 @@ double besselI0(double x) {
 constexpr double kRejection = 100;
 const double kBeta = 0.1102 * (kRejection - 8.7);
 
+// acc[j] = sum over i = 0..(m - 1) / 2, in that order, of
+// taps[i] (x[j - i] + x[j + i - m]): tap by tap over the whole block (each
+// output still sums its taps in order, so the result is that of the plain
+// convolution), which runs across the outputs in vector registers.
+void convolve(const float* taps, int m, const float* x, float* acc, int n) {
+  for (int j = 0; j < n; ++j) acc[j] = taps[0] * (x[j] + x[j - m]);
+  for (int i = 1; i <= (m - 1) / 2; ++i) {
+    const float tap = taps[i];
+    const float* newer = x - i;
+    const float* older = x + i - m;
+    for (int j = 0; j < n; ++j) acc[j] += tap * (newer[j] + older[j]);
+  }
+}
+
 }  // namespace
 
 void ZelHalfbandStage::design(int halfOrder) {
@@ -52,19 +66,10 @@ void ZelHalfbandStage::reset() {
 void ZelHalfbandStage::up(const float* in, float* out, int n) {
   // x[j - i] for i = 0..M sits at upBuffer_[m_ + j - i].
   std::memcpy(upBuffer_ + m_, in, sizeof(float) * n);
-  // Tap by tap over the whole block (each output still sums its taps in
-  // order, so the result is that of the plain convolution), which runs
-  // across the outputs in vector registers.
   const int half = (m_ - 1) / 2;
   const float* x = upBuffer_ + m_;
   float acc[kMaxBlock];
-  for (int j = 0; j < n; ++j) acc[j] = taps_[0] * (x[j] + x[j - m_]);
-  for (int i = 1; i <= half; ++i) {
-    const float tap = taps_[i];
-    const float* newer = x - i;
-    const float* older = x + i - m_;
-    for (int j = 0; j < n; ++j) acc[j] += tap * (newer[j] + older[j]);
-  }
+  convolve(taps_, m_, x, acc, n);
   for (int j = 0; j < n; ++j) {
     out[2 * j] = 2 * acc[j];
     out[2 * j + 1] = x[j - half];
@@ -76,19 +81,11 @@ void ZelHalfbandStage::down(const float* in, float* out, int n) {
   // v[2j - i] for i = 0..2M sits at downBuffer_[2 * m_ + 2j - i].
   std::memcpy(downBuffer_ + 2 * m_, in, sizeof(float) * 2 * n);
   // Tap by tap, as in up(), over the even inputs gathered first.
-  const int half = (m_ - 1) / 2;
   const float* v = downBuffer_ + 2 * m_;
   float even[kMaxBlock + kMaxHalfOrder], acc[kMaxBlock];
   // even[k] = v[2 (k - m_)], k = 0 .. n - 1 + m_
   for (int k = 0; k < n + m_; ++k) even[k] = v[2 * (k - m_)];
-  const float* e = even + m_;  // e[j] = v[2j]
-  for (int j = 0; j < n; ++j) acc[j] = taps_[0] * (e[j] + e[j - m_]);
-  for (int i = 1; i <= half; ++i) {
-    const float tap = taps_[i];
-    const float* newer = e - i;
-    const float* older = e + i - m_;
-    for (int j = 0; j < n; ++j) acc[j] += tap * (newer[j] + older[j]);
-  }
+  convolve(taps_, m_, even + m_, acc, n);  // even + m_ is v[2j] at j
   for (int j = 0; j < n; ++j) out[j] = acc[j] + 0.5f * v[2 * j - m_];
   std::memmove(downBuffer_, downBuffer_ + 2 * n, sizeof(float) * 2 * m_);
 }
