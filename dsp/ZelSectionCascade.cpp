@@ -3,6 +3,7 @@
 ZEL_DSP_NAMESPACE_BEGIN
 
 namespace {
+#define ZEL_CASCADE_WIDTH 2
 #include "dsp/ZelSectionCascadeKernel.inc"
 }  // namespace
 

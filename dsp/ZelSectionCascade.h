@@ -12,8 +12,9 @@
 // their precision for low cutoffs at high rates). Coefficients can change
 // between calls under a running signal exactly as the state-variable form's.
 //
-// The kernel is built twice on x86-64: for the SSE2 baseline and for AVX2
-// with FMA, chosen once at run time from what the processor supports.
+// The kernel is built twice on x86-64: two lanes a vector for the SSE2
+// baseline (the portable build everywhere else), four for AVX2 with FMA,
+// chosen once at run time from what the processor supports.
 // Threading: pure functions over the caller's memory; real-time safe.
 #pragma once
 

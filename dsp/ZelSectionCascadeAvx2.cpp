@@ -1,5 +1,6 @@
-// The cascade's kernel for processors with AVX2 and FMA (this file is built
-// with -mavx2 -mfma; ZelRunCascade calls it only where they exist).
+// The cascade's kernel for processors with AVX2 and FMA, four lanes a
+// vector (this file is built with -mavx2 -mfma; ZelRunCascade calls it only
+// where they exist).
 #include "dsp/ZelSectionCascade.h"
 
 #if defined(__x86_64__) && defined(ZEL_CASCADE_AVX2)
@@ -7,6 +8,7 @@
 ZEL_DSP_NAMESPACE_BEGIN
 
 namespace {
+#define ZEL_CASCADE_WIDTH 4
 #include "dsp/ZelSectionCascadeKernel.inc"
 }  // namespace
 
