@@ -24,6 +24,20 @@ double besselI0(double x) {
 constexpr double kRejection = 100;
 const double kBeta = 0.1102 * (kRejection - 8.7);
 
+// acc[j] = sum over i = 0..(m - 1) / 2, in that order, of
+// taps[i] (x[j - i] + x[j + i - m]): tap by tap over the whole block (each
+// output still sums its taps in order, so the result is that of the plain
+// convolution), which runs across the outputs in vector registers.
+void convolve(const float* taps, int m, const float* x, float* acc, int n) {
+  for (int j = 0; j < n; ++j) acc[j] = taps[0] * (x[j] + x[j - m]);
+  for (int i = 1; i <= (m - 1) / 2; ++i) {
+    const float tap = taps[i];
+    const float* newer = x - i;
+    const float* older = x + i - m;
+    for (int j = 0; j < n; ++j) acc[j] += tap * (newer[j] + older[j]);
+  }
+}
+
 }  // namespace
 
 void ZelHalfbandStage::design(int halfOrder) {
@@ -53,12 +67,12 @@ void ZelHalfbandStage::up(const float* in, float* out, int n) {
   // x[j - i] for i = 0..M sits at upBuffer_[m_ + j - i].
   std::memcpy(upBuffer_ + m_, in, sizeof(float) * n);
   const int half = (m_ - 1) / 2;
+  const float* x = upBuffer_ + m_;
+  float acc[kMaxBlock];
+  convolve(taps_, m_, x, acc, n);
   for (int j = 0; j < n; ++j) {
-    const float* x = upBuffer_ + m_ + j;
-    float acc = 0;
-    for (int i = 0; i <= half; ++i) acc += taps_[i] * (x[-i] + x[i - m_]);
-    out[2 * j] = 2 * acc;
-    out[2 * j + 1] = x[-half];
+    out[2 * j] = 2 * acc[j];
+    out[2 * j + 1] = x[j - half];
   }
   std::memmove(upBuffer_, upBuffer_ + n, sizeof(float) * m_);
 }
@@ -66,13 +80,13 @@ void ZelHalfbandStage::up(const float* in, float* out, int n) {
 void ZelHalfbandStage::down(const float* in, float* out, int n) {
   // v[2j - i] for i = 0..2M sits at downBuffer_[2 * m_ + 2j - i].
   std::memcpy(downBuffer_ + 2 * m_, in, sizeof(float) * 2 * n);
-  const int half = (m_ - 1) / 2;
-  for (int j = 0; j < n; ++j) {
-    const float* v = downBuffer_ + 2 * m_ + 2 * j;
-    float acc = 0;
-    for (int i = 0; i <= half; ++i) acc += taps_[i] * (v[-2 * i] + v[2 * i - 2 * m_]);
-    out[j] = acc + 0.5f * v[-m_];
-  }
+  // Tap by tap, as in up(), over the even inputs gathered first.
+  const float* v = downBuffer_ + 2 * m_;
+  float even[kMaxBlock + kMaxHalfOrder], acc[kMaxBlock];
+  // even[k] = v[2 (k - m_)], k = 0 .. n - 1 + m_
+  for (int k = 0; k < n + m_; ++k) even[k] = v[2 * (k - m_)];
+  convolve(taps_, m_, even + m_, acc, n);  // even + m_ is v[2j] at j
+  for (int j = 0; j < n; ++j) out[j] = acc[j] + 0.5f * v[2 * j - m_];
   std::memmove(downBuffer_, downBuffer_ + 2 * n, sizeof(float) * 2 * m_);
 }
 

@@ -139,6 +139,24 @@ void fillNoise(std::minstd_rand& random) {
   }
 }
 
+// The processor's name as the kernel reports it.
+std::string cpuModel() {
+  std::FILE* f = std::fopen("/proc/cpuinfo", "r");
+  if (!f) return "unknown";
+  char line[512];
+  std::string model = "unknown";
+  while (std::fgets(line, sizeof line, f)) {
+    if (std::strncmp(line, "model name", 10)) continue;
+    const char* colon = std::strchr(line, ':');
+    if (!colon) continue;
+    model = colon + 2;
+    while (!model.empty() && (model.back() == '\n' || model.back() == ' ')) model.pop_back();
+    break;
+  }
+  std::fclose(f);
+  return model;
+}
+
 double median(std::vector<double> v) {
   std::sort(v.begin(), v.end());
   return v.size() % 2 ? v[v.size() / 2] : (v[v.size() / 2 - 1] + v[v.size() / 2]) / 2;
@@ -157,15 +175,34 @@ int main(int argc, char** argv) {
                                            {"LowCut", 200}, {"Hiss", -20},    {"Mode", 2}};
   std::map<std::string, float> heavyHQ = heavy;
   heavyHQ["HQ"] = 1;
+  // The same job for every filter row: a Butterworth high-pass at 200 Hz and
+  // a low-pass at 2 kHz. LSP's parametric equaliser in IIR mode with both
+  // filters "BWC (BT)" (bilinear Butterworth) at slopes x1/x2/x4; Vantry at
+  // Slope 12/24/48/96 with every other stage at rest (its defaults).
+  const auto lsp = [](int slope) {
+    return std::map<std::string, float>{{"mode", 0}, {"fft", 0},        {"ft_0", 2},     {"fm_0", 2},
+                                        {"s_0", float(slope)}, {"f_0", 200}, {"ft_1", 4},
+                                        {"fm_1", 2},           {"s_1", float(slope)}, {"f_1", 2000}};
+  };
+  const auto band = [](float slope) {
+    return std::map<std::string, float>{{"LowCut", 200}, {"HighCut", 2000}, {"Slope", slope}};
+  };
+  const char* lspUri = "http://lsp-plug.in/plugins/lv2/para_equalizer_x16_stereo";
   std::vector<Setting> settings{
       {"vantry defaults", vantry, {}},
       {"vantry heavy", vantry, heavy},
       {"vantry heavy + HQ", vantry, heavyHQ},
       {"x42 fil4 HP 200 + LP 2000", "http://gareus.org/oss/lv2/fil4#stereo",
        {{"HighPass", 1}, {"HPfreq", 200}, {"LowPass", 1}, {"LPfreq", 2000}}},
-      {"LSP para EQ x16 HP 200 + LP 2000", "http://lsp-plug.in/plugins/lv2/para_equalizer_x16_stereo",
-       {{"ft_0", 2}, {"f_0", 200}, {"ft_1", 4}, {"f_1", 2000}}},
+      {"LSP para EQ x16 BWC (BT) x1 12 dB/oct", lspUri, lsp(0)},
+      {"LSP para EQ x16 BWC (BT) x2 24 dB/oct", lspUri, lsp(1)},
+      {"LSP para EQ x16 BWC (BT) x4 48 dB/oct", lspUri, lsp(3)},
+      {"vantry Slope 12", vantry, band(12)},
+      {"vantry Slope 24", vantry, band(24)},
+      {"vantry Slope 48", vantry, band(48)},
+      {"vantry Slope 96", vantry, band(96)},
   };
+  enum { kDefaults, kHeavy, kHeavyHQ, kFil4, kLsp12, kLsp24, kLsp48, kVantry12, kVantry24, kVantry48, kVantry96 };
 
   LilvWorld* world = lilv_world_new();
   lilv_world_load_all(world);
@@ -211,8 +248,9 @@ int main(int argc, char** argv) {
   }
 
   const double budget = kFrames / kRate * 1e6;
-  const double base = median(instances[0].roundMedians);
-  const double fil4 = median(instances[3].roundMedians);
+  const double base = median(instances[kDefaults].roundMedians);
+  const double fil4 = median(instances[kFil4].roundMedians);
+  std::printf("CPU: %s\n\n", cpuModel().c_str());
   std::printf("| plug-in, setting | us per 256-frame block | %% of real time | vs vantry defaults | vs x42 fil4 |\n");
   std::printf("|---|---|---|---|---|\n");
   for (Instance& it : instances) {
@@ -224,6 +262,24 @@ int main(int argc, char** argv) {
   std::printf("\n%d interleaved rounds of %d blocks (48 kHz stereo noise); median of the rounds' median block time "
               "[min-max of those]; real time is %.0f us per block.\n",
               rounds, blocks, budget);
+
+  // The same job against LSP, each ratio from the two settings' medians of
+  // this run, with the goal it is held to.
+  const auto at = [&](int i) { return median(instances[i].roundMedians); };
+  struct Ratio {
+    const char* what;
+    double value, goal;
+  };
+  const Ratio ratios[] = {
+      {"Slope 12 / LSP x1 (12 dB/oct)", at(kVantry12) / at(kLsp12), 1.0},
+      {"Slope 24 / LSP x2 (24 dB/oct)", at(kVantry24) / at(kLsp24), 1.0},
+      {"Slope 48 / LSP x4 (48 dB/oct)", at(kVantry48) / at(kLsp48), 1.0},
+      {"Slope 96 / LSP x4 (48 dB/oct)", at(kVantry96) / at(kLsp48), 2.0},
+      {"defaults / LSP x1 (12 dB/oct)", at(kDefaults) / at(kLsp12), 0.6},
+  };
+  std::printf("\n| same job: HP 200 Hz + LP 2 kHz | ratio | goal |\n|---|---|---|\n");
+  for (const Ratio& r : ratios)
+    std::printf("| vantry %s | %.2f | <= %.1f %s |\n", r.what, r.value, r.goal, r.value <= r.goal ? "met" : "NOT met");
 
   for (Instance& it : instances) {
     lilv_instance_deactivate(it.instance);

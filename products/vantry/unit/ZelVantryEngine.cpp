@@ -1,6 +1,7 @@
 #include "products/vantry/unit/ZelVantryEngine.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <iterator>
@@ -46,6 +47,92 @@ inline float uniformNoise(std::uint32_t& state) {
 }
 
 inline float lerp(double a, double b, double t) { return float(a + (b - a) * t); }
+
+// By the exponent's bits, so that the loops testing it vectorise.
+inline bool isFinite(float x) { return (std::bit_cast<std::uint32_t>(x) & 0x7f800000u) != 0x7f800000u; }
+bool allFinite(const float* x, int n) {
+  std::uint32_t infinite = 0;
+  for (int i = 0; i < n; ++i) infinite |= std::uint32_t((std::bit_cast<std::uint32_t>(x[i]) & 0x7f800000u) == 0x7f800000u);
+  return !infinite;
+}
+
+// n samples into, or out of, a ring of `size` (a power of two) from `at` on.
+template <int size>
+void ringWrite(float (&ring)[size], int at, const float* from, int n) {
+  const int first = std::min(n, size - at);
+  std::copy_n(from, first, ring + at);
+  std::copy_n(from + first, n - first, ring);
+}
+template <int size>
+void ringRead(const float (&ring)[size], int at, float* to, int n) {
+  const int first = std::min(n, size - at);
+  std::copy_n(ring + at, first, to);
+  std::copy_n(ring, n - first, to + first);
+}
+
+// A glide's value at each sample of a sub-block (reaching `to` at the
+// last), divided by `divisor`.
+struct Range {
+  double from, to;
+};
+void spread(float* v, Range r, int n, float divisor = 1) {
+  if (r.from == r.to) {  // what lerp gives, without the work
+    std::fill_n(v, n, float(r.from) / divisor);
+    return;
+  }
+  for (int i = 0; i < n; ++i) v[i] = lerp(r.from, r.to, double(i + 1) / n);
+  if (divisor != 1)
+    for (int i = 0; i < n; ++i) v[i] /= divisor;
+}
+
+// The wet signal back to the outputs: mixed with the dry one (encoded
+// alike, from the delayed input), decoded, widened, scaled, crossfaded with
+// the bypass for Power and dipped for a switch. Per sample values of Mix
+// and Width (as fractions), Output (as a gain), Power and the dip; or,
+// Plain, only the gain, the same at every sample (gain[0]), the rest at 1.
+struct Mixing {
+  float mix[ZelVantryEngine::kMaxChunk], width[ZelVantryEngine::kMaxChunk], gain[ZelVantryEngine::kMaxChunk];
+  const float* power;
+  const float* dip;
+};
+enum Routing { kOneChannel, kMonoSum, kLeftRight, kMidSideSum };
+
+template <Routing R, bool Plain>
+void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet, float* __restrict o0,
+            float* __restrict o1, int n) {
+  const float* b0 = bypass[0];
+  const float* b1 = bypass[1];
+  const float* w0 = wet[0];
+  const float* w1 = wet[1];
+  for (int i = 0; i < n; ++i) {
+    const float mx = Plain ? 1.0f : m.mix[i];
+    float dry0 = b0[i], dry1 = 0;
+    if (R == kMonoSum || R == kMidSideSum) dry0 = 0.5f * (b0[i] + b1[i]);
+    if (R == kLeftRight) dry1 = b1[i];
+    if (R == kMidSideSum) dry1 = 0.5f * (b0[i] - b1[i]);
+    const float m0 = mx == 1 ? w0[i] : dry0 + mx * (w0[i] - dry0);
+    float l = m0, r = m0;
+    if (R == kLeftRight || R == kMidSideSum) {
+      const float m1 = mx == 1 ? w1[i] : dry1 + mx * (w1[i] - dry1);
+      l = R == kLeftRight ? m0 : m0 + m1;
+      r = R == kLeftRight ? m1 : m0 - m1;
+    }
+    if (R != kOneChannel) {
+      const float wd = Plain ? 1.0f : m.width[i];
+      const float mid = 0.5f * (l + r), side = 0.5f * (l - r) * wd;
+      l = wd != 1 ? mid + side : l;
+      r = wd != 1 ? mid - side : r;
+    }
+    const float gain = m.gain[Plain ? 0 : i], pw = Plain ? 1.0f : m.power[i], dp = Plain ? 1.0f : m.dip[i];
+    l *= gain, r *= gain;
+    float y0 = pw == 1 ? l : b0[i] + pw * (l - b0[i]);
+    o0[i] = dp == 1 ? y0 : dp * y0;
+    if (R != kOneChannel) {
+      const float y1 = pw == 1 ? r : b1[i] + pw * (r - b1[i]);
+      o1[i] = dp == 1 ? y1 : dp * y1;
+    }
+  }
+}
 
 }  // namespace
 
@@ -186,6 +273,12 @@ void ZelVantryEngine::updateFilters(bool glide) {
       for (Lane& lane : lanes_) lane.ic1[slot] = lane.ic2[slot] = 0;
     }
   }
+  // What the cascade runs: within a glide, from where the coefficients
+  // stood to where they stand now, sample by sample.
+  for (int a = 0; a < activeCount_; ++a) {
+    cascade_[a] = ZelCascadeSection(sections_[activeSlots_[a]]);
+    cascadeFrom_[a] = ZelCascadeSection(previous_[activeSlots_[a]]);
+  }
   filtersDirty_ = false;
 }
 
@@ -196,10 +289,20 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   if (!started_) start(values);
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
-    const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(subBlock_)));
+    const int most = !still() ? subBlock_ : hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
+    const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
     done += std::uint32_t(n);
   }
+}
+
+// Nothing glides, waits to switch or needs new filter coefficients: a chunk
+// of any length works as a row of sub-blocks would.
+bool ZelVantryEngine::still() const {
+  for (const ZelRamp* r : {&drive_, &degrade_, &output_, &lowCut_, &highCut_, &slope_, &mix_, &hiss_, &width_,
+                           &power_, &dip_})
+    if (r->moving()) return false;
+  return pendingMode_ == mode_ && pendingHQ_ == hq_ && dip_.value() == 1 && !filtersGlide_ && !filtersDirty_;
 }
 
 void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::uint32_t offset, int n) {
@@ -219,94 +322,96 @@ void ZelVantryEngine::subBlock(const float* const* in, float* const* out, std::u
   // The input, cleaned of anything non-finite, into the delay line; the
   // bypass reads it back `latency` samples later.
   const int latency = oversamplers_[0].latency();
+  float raw[kLanes][kMaxChunk];
   for (int c = 0; c < channels_; ++c) {
-    float* line = delay_[c];
-    for (int i = 0; i < n; ++i) {
-      float x = in[c][offset + i];
-      if (!std::isfinite(x)) x = 0;
-      const int w = (delayWrite_ + i) & (kDelay - 1);
-      line[w] = x;
-      bypass_[c][i] = line[(w - latency) & (kDelay - 1)];
-    }
+    const float* x = in[c] + offset;
+    for (int i = 0; i < n; ++i) raw[c][i] = isFinite(x[i]) ? x[i] : 0.0f;
+    ringWrite(delay_[c], delayWrite_, raw[c], n);
+    ringRead(delay_[c], (delayWrite_ - latency) & (kDelay - 1), bypass_[c], n);
   }
   delayWrite_ = (delayWrite_ + n) & (kDelay - 1);
-  const auto raw = [&](int c, int i) { return delay_[c][(delayWrite_ - n + i) & (kDelay - 1)]; };
 
   const bool awake = power.from > 0 || power.to > 0;
   const int mode = channels_ == 1 ? kMono : mode_;
   const int lanes = channels_ == 1 || mode == kMono ? 1 : 2;
   if (awake) {
     // Encode, then run each lane's chain.
-    for (int i = 0; i < n; ++i) {
-      if (channels_ == 1) {
-        encoded_[0][i] = raw(0, i);
-      } else {
-        const float l = raw(0, i), r = raw(1, i);
-        if (mode == kStereo) encoded_[0][i] = l, encoded_[1][i] = r;
-        else if (mode == kMono) encoded_[0][i] = 0.5f * (l + r);
-        else encoded_[0][i] = 0.5f * (l + r), encoded_[1][i] = 0.5f * (l - r);
+    if (channels_ == 1) {
+      std::copy_n(raw[0], n, encoded_[0]);
+    } else if (mode == kStereo) {
+      std::copy_n(raw[0], n, encoded_[0]);
+      std::copy_n(raw[1], n, encoded_[1]);
+    } else if (mode == kMono) {
+      for (int i = 0; i < n; ++i) encoded_[0][i] = 0.5f * (raw[0][i] + raw[1][i]);
+    } else {
+      for (int i = 0; i < n; ++i) {
+        encoded_[0][i] = 0.5f * (raw[0][i] + raw[1][i]);
+        encoded_[1][i] = 0.5f * (raw[0][i] - raw[1][i]);
       }
     }
-    for (int lane = 0; lane < lanes; ++lane) runLane(lane, encoded_[lane], wet_[lane], n);
+    runLanes(lanes, n);
   }
 
   const double gainFrom = std::pow(10.0, output.from / 20), gainTo = std::pow(10.0, output.to / 20);
-  float finite = 0;
-  for (int i = 0; i < n; ++i) {
-    const double t = double(i + 1) / n;
-    const float pw = lerp(power.from, power.to, t), dp = lerp(dip.from, dip.to, t);
-    float result[2] = {bypass_[0][i], channels_ == 2 ? bypass_[1][i] : 0.0f};
-    if (awake) {
-      // The dry signal, encoded like the wet one but from the delayed input.
-      const float mx = lerp(mix.from, mix.to, t) / 100;
-      float dry[2];
-      if (channels_ == 1 || mode == kMono) {
-        dry[0] = channels_ == 1 ? bypass_[0][i] : 0.5f * (bypass_[0][i] + bypass_[1][i]);
-      } else if (mode == kStereo) {
-        dry[0] = bypass_[0][i], dry[1] = bypass_[1][i];
-      } else {
-        dry[0] = 0.5f * (bypass_[0][i] + bypass_[1][i]), dry[1] = 0.5f * (bypass_[0][i] - bypass_[1][i]);
-      }
-      float m[2];
-      for (int lane = 0; lane < lanes; ++lane) m[lane] = mx == 1 ? wet_[lane][i] : dry[lane] + mx * (wet_[lane][i] - dry[lane]);
-      float l, r;
-      if (channels_ == 1 || mode == kMono) l = r = m[0];
-      else if (mode == kStereo) l = m[0], r = m[1];
-      else l = m[0] + m[1], r = m[0] - m[1];
-      const float wd = lerp(width.from, width.to, t) / 100;
-      if (channels_ == 2 && wd != 1) {
-        const float mid = 0.5f * (l + r), side = 0.5f * (l - r) * wd;
-        l = mid + side, r = mid - side;
-      }
-      const float gain = lerp(gainFrom, gainTo, t);
-      l *= gain, r *= gain;
-      if (pw == 1) result[0] = l, result[1] = r;
-      else result[0] += pw * (l - result[0]), result[1] += pw * (r - result[1]);
+  // All wet, full width, on and steady: only the routing and the gain.
+  const auto at = [](const Span& s, double value) { return s.from == value && s.to == value; };
+  const bool plain = awake && at(mix, 100) && at(width, 100) && at(power, 1) && at(dip, 1) && gainFrom == gainTo;
+  float pw[kMaxChunk], dp[kMaxChunk];
+  if (!plain) {
+    spread(pw, {power.from, power.to}, n);
+    spread(dp, {dip.from, dip.to}, n);
+  }
+  float* const o0 = out[0] + offset;
+  float* const o1 = channels_ == 2 ? out[1] + offset : nullptr;
+  if (awake) {
+    Mixing m;
+    if (plain) {
+      m.gain[0] = float(gainFrom);
+    } else {
+      spread(m.mix, {mix.from, mix.to}, n, 100);
+      spread(m.width, {width.from, width.to}, n, 100);
+      spread(m.gain, {gainFrom, gainTo}, n);
+      m.power = pw, m.dip = dp;
     }
+    const float* b[2] = {bypass_[0], bypass_[1]};
+    const float* w[2] = {wet_[0], wet_[1]};
+    const auto route = [&]<bool Plain>() {
+      if (channels_ == 1) mixOut<kOneChannel, Plain>(m, b, w, o0, o1, n);
+      else if (mode == kMono) mixOut<kMonoSum, Plain>(m, b, w, o0, o1, n);
+      else if (mode == kStereo) mixOut<kLeftRight, Plain>(m, b, w, o0, o1, n);
+      else mixOut<kMidSideSum, Plain>(m, b, w, o0, o1, n);
+    };
+    if (plain) route.template operator()<true>();
+    else route.template operator()<false>();
+  } else {
     for (int c = 0; c < channels_; ++c) {
-      const float y = dp == 1 ? result[c] : dp * result[c];
-      out[c][offset + i] = y;
-      finite += y * 0;
+      float* const o = out[c] + offset;
+      for (int i = 0; i < n; ++i) o[i] = dp[i] == 1 ? bypass_[c][i] : dp[i] * bypass_[c][i];
     }
   }
+  bool finite = true;
+  for (int c = 0; c < channels_; ++c) finite &= allFinite(out[c] + offset, n);
   // Nothing non-finite gets in, so nothing should come out; should it ever,
   // the chain starts over rather than ringing on.
-  if (!std::isfinite(finite)) {
+  if (!finite) {
     clearLanes();
     for (int c = 0; c < channels_; ++c) std::fill(out[c] + offset, out[c] + offset + n, 0.0f);
   }
 }
 
-void ZelVantryEngine::runLane(int index, const float* in, float* out, int n) {
-  Lane& lane = lanes_[index];
-  ZelOversampler& os = oversamplers_[index];
-  const int total = n * os.factor();
-  os.up(in, work_, n);
-  drive(work_, total);
-  degrade(lane, work_, total);
-  hiss(lane, work_, total);
-  filter(lane, work_, total);
-  os.down(work_, out, n);
+void ZelVantryEngine::runLanes(int lanes, int n) {
+  // Without oversampling the chain works in the wet buffer itself.
+  const int factor = oversamplers_[0].factor(), total = n * factor;
+  float* x[kLanes] = {factor == 1 ? wet_[0] : work_[0], factor == 1 ? wet_[1] : work_[1]};
+  for (int i = 0; i < lanes; ++i) {
+    oversamplers_[i].up(encoded_[i], x[i], n);
+    drive(x[i], total);
+    degrade(lanes_[i], x[i], total);
+    hiss(lanes_[i], x[i], total);
+  }
+  filter(x, lanes, total);
+  if (factor > 1)
+    for (int i = 0; i < lanes; ++i) oversamplers_[i].down(work_[i], wet_[i], n);
 }
 
 void ZelVantryEngine::drive(float* x, int n) const {
@@ -363,40 +468,17 @@ void ZelVantryEngine::hiss(Lane& lane, float* x, int n) const {
   for (int i = 0; i < n; ++i) x[i] += lerp(a0, a1, double(i + 1) / n) * uniformNoise(lane.noise);
 }
 
-void ZelVantryEngine::filter(Lane& lane, float* x, int n) const {
-  double buffer[ZelOversampler::kMaxFactor * kMaxSubBlock];
-  for (int i = 0; i < n; ++i) buffer[i] = x[i];
-  for (int a = 0; a < activeCount_; ++a) {
-    const int k = activeSlots_[a];
-    const ZelStateVariableSection& s = sections_[k];
-    double ic1 = lane.ic1[k], ic2 = lane.ic2[k];
-    if (!filtersGlide_) {
-      for (int i = 0; i < n; ++i) {
-        const double v0 = buffer[i];
-        const double v3 = v0 - ic2;
-        const double v1 = s.a1 * ic1 + s.a2 * v3;
-        const double v2 = ic2 + s.a2 * ic1 + s.a3 * v3;
-        ic1 = 2 * v1 - ic1;
-        ic2 = 2 * v2 - ic2;
-        buffer[i] = s.m0 * v0 + s.m1 * v1 + s.m2 * v2;
-      }
-    } else {
-      const ZelStateVariableSection& p = previous_[k];
-      for (int i = 0; i < n; ++i) {
-        const double t = double(i + 1) / n;
-        const double a1 = p.a1 + t * (s.a1 - p.a1), a2 = p.a2 + t * (s.a2 - p.a2), a3 = p.a3 + t * (s.a3 - p.a3);
-        const double v0 = buffer[i];
-        const double v3 = v0 - ic2;
-        const double v1 = a1 * ic1 + a2 * v3;
-        const double v2 = ic2 + a2 * ic1 + a3 * v3;
-        ic1 = 2 * v1 - ic1;
-        ic2 = 2 * v2 - ic2;
-        buffer[i] = (p.m0 + t * (s.m0 - p.m0)) * v0 + (p.m1 + t * (s.m1 - p.m1)) * v1 + (p.m2 + t * (s.m2 - p.m2)) * v2;
-      }
-    }
-    lane.ic1[k] = ic1, lane.ic2[k] = ic2;
-  }
-  for (int i = 0; i < n; ++i) x[i] = float(buffer[i]);
+// Both lanes through the active sections at once; their states live in
+// the lanes by slot, so that they keep their place as the order changes.
+void ZelVantryEngine::filter(float* const* x, int lanes, int n) {
+  ZelCascadeState states[2 * kZelButterworthSlots * kLanes];
+  for (int a = 0; a < activeCount_; ++a)
+    for (int i = 0; i < lanes; ++i)
+      states[a * lanes + i] = {lanes_[i].ic1[activeSlots_[a]], lanes_[i].ic2[activeSlots_[a]]};
+  ZelRunCascade(filtersGlide_ ? cascadeFrom_ : nullptr, cascade_, activeCount_, states, lanes, x, n);
+  for (int a = 0; a < activeCount_; ++a)
+    for (int i = 0; i < lanes; ++i)
+      lanes_[i].ic1[activeSlots_[a]] = states[a * lanes + i].s1, lanes_[i].ic2[activeSlots_[a]] = states[a * lanes + i].s2;
 }
 
 ZEL_PRODUCT_NAMESPACE_END

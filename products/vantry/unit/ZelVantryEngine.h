@@ -7,9 +7,11 @@
 // and decoding, the dry/wet Mix (the dry signal delayed to line up), Width,
 // Output, and the Power crossfade against the delayed input.
 //
-// Work is done in sub-blocks of about half a millisecond: glides advance
-// and filter coefficients follow them once per sub-block, gains are
-// interpolated sample by sample within it. A change of Mode or HQ dips the
+// While anything glides, work is done in sub-blocks of about half a
+// millisecond: glides advance and filter coefficients follow them once per
+// sub-block, gains are interpolated sample by sample within it. While
+// nothing moves, chunks are as long as the buffers allow and the filter
+// coefficients are not touched. A change of Mode or HQ dips the
 // output for 10 ms, switches under silence and comes back over 10 ms.
 //
 // Ownership: every buffer is a fixed member; the engine itself is
@@ -22,6 +24,7 @@
 #include "dsp/ZelButterworth.h"
 #include "dsp/ZelOversampler.h"
 #include "dsp/ZelRamp.h"
+#include "dsp/ZelSectionCascade.h"
 #include "dsp/ZelStateVariableSection.h"
 #include "dsp/ZelVantryParameterTable.h"
 
@@ -30,6 +33,11 @@ ZEL_PRODUCT_NAMESPACE_BEGIN
 class ZelVantryEngine {
  public:
   static constexpr int kMaxSubBlock = 64;
+  // Longest piece worked in one go while nothing moves (with HQ on, the
+  // oversampler's longest).
+  static constexpr int kMaxChunk = 256;
+  static constexpr int kMaxWork = ZelOversampler::kMaxFactor * ZelOversampler::kMaxBlock;
+  static_assert(kMaxChunk <= kMaxWork);
 
   ZelVantryEngine(int channels, double sampleRate);
 
@@ -52,13 +60,14 @@ class ZelVantryEngine {
   void applyPending();
   void updateFilters(bool glide);
   void clearLanes();
-  void runLane(int lane, const float* in, float* out, int n);
+  void runLanes(int lanes, int n);
+  bool still() const;
 
   // Pieces of the lane's chain, over `n` samples at the internal rate.
   void drive(float* x, int n) const;
   void degrade(Lane& lane, float* x, int n) const;
   void hiss(Lane& lane, float* x, int n) const;
-  void filter(Lane& lane, float* x, int n) const;
+  void filter(float* const* x, int lanes, int n);
 
   double driveCompensation(double drive) const;
 
@@ -90,6 +99,9 @@ class ZelVantryEngine {
   // Where the coefficients stood at the start of the sub-block, while
   // they glide.
   ZelStateVariableSection previous_[2 * kZelButterworthSlots];
+  // The active slots' sections, in order, as the cascade runs them, and
+  // where they glide from.
+  ZelCascadeSection cascade_[2 * kZelButterworthSlots], cascadeFrom_[2 * kZelButterworthSlots];
   bool filtersGlide_ = false;
   int activeCount_ = 0;
   bool filtersDirty_ = true;
@@ -108,15 +120,17 @@ class ZelVantryEngine {
   ZelOversampler oversamplers_[kLanes];
 
   // The raw input, delayed for the bypass and the dry signal.
-  static constexpr int kDelay = 64;  // a power of two above every latency
+  // A power of two above the longest chunk plus every latency.
+  static constexpr int kDelay = 512;
+  static_assert(kDelay >= kMaxChunk + 64);
   float delay_[kLanes][kDelay] = {};
   int delayWrite_ = 0;
 
-  // Work buffers of one sub-block.
-  float encoded_[kLanes][kMaxSubBlock] = {};
-  float wet_[kLanes][kMaxSubBlock] = {};
-  float bypass_[kLanes][kMaxSubBlock] = {};
-  float work_[ZelOversampler::kMaxFactor * kMaxSubBlock] = {};
+  // Work buffers of one chunk.
+  float encoded_[kLanes][kMaxChunk] = {};
+  float wet_[kLanes][kMaxChunk] = {};
+  float bypass_[kLanes][kMaxChunk] = {};
+  float work_[kLanes][kMaxWork] = {};
 };
 
 ZEL_PRODUCT_NAMESPACE_END
