@@ -98,8 +98,6 @@ CHORD.update({
     "minValue": 0.0, "maxValue": float(len(CHORD_NAMES) - 1), "initialValue": 1.0,
     "granularity": 1.0, "fineGranularity": 1.0, "coarseGranularity": 1.0,
     "formatString": "%0.0f", "stringValues": CHORD_NAMES, "controlType": "Cycle",
-    # Detune is what spreads four strings on one pitch: lit on Unison.
-    "highlights": [["Detune"], [], [], [], [], []],
 })
 
 DECAY = base(4, "Decay", "Decay", "decay", 0, "Generic")
