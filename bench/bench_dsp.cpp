@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include "bench/support/AllocationCounter.h"
 #include "model/ZelConfig.h"
-#include "sketch/ZelVantryParameterSketch.h"
+#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 #include "toolkit/core/ZelLayer.h"
 #include "toolkit/foundation/ZelPlist.h"
 

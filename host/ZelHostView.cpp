@@ -8,7 +8,7 @@
 
 #include "dsp/ZelVantryParameterTable.h"
 #include "model/ZelConfig.h"
-#include "sketch/ZelVantryParameterSketch.h"
+#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 #include "toolkit/core/ZelWindow.h"
 #include "toolkit/foundation/ZelBundle.h"
 

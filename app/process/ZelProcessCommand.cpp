@@ -18,7 +18,7 @@
 
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelNumberWords.h"
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 #include "model/ZelConfig.h"
 #include "model/ZelPresets.h"
 

@@ -21,7 +21,7 @@
 #include <memory>
 
 #include "app/standalone/ZelParameterMailbox.h"
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 

@@ -23,7 +23,7 @@
 #include <string>
 
 #include "app/standalone/ZelLiveUnit.h"
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 #include "host/ZelUnitConnection.h"
 #include "host/ZelUnitListeners.h"
 #include "toolkit/foundation/ZelRunLoop.h"

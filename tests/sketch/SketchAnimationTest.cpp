@@ -7,7 +7,7 @@
 
 #include "SketchTestSupport.h"
 #include "theme/ZelUITheme.h"
-#include "sketch/ZelVantryParameterSketch.h"
+#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 
 namespace zel::testing {
 namespace {

@@ -22,7 +22,7 @@
 #include <thread>
 #include <vector>
 
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "sketch/ZelVantryParameterSketch.h"
+#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "DspTestSupport.h"
-#include "sketch/ZelVantryParameterSketch.h"
+#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 
 namespace zel {
 namespace {

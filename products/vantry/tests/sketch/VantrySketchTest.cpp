@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "SketchTestSupport.h"
-#include "sketch/ZelVantryParameterSketch.h"
+#include "tests/sketch/SketchTestSupport.h"
+#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 
 namespace zel::testing {
 namespace {

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 
 namespace zel::dsptest {
 

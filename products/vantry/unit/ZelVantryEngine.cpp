@@ -1,4 +1,4 @@
-#include "dsp/ZelVantryEngine.h"
+#include "products/vantry/unit/ZelVantryEngine.h"
 
 #include <algorithm>
 #include <cmath>

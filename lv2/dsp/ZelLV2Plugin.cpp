@@ -25,7 +25,7 @@
 #include <memory>
 #include <new>
 
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 #include "lv2/common/ZelVantryURIs.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "DspTestSupport.h"
-#include "RealTimeTrap.h"
+#include "tests/dsp/RealTimeTrap.h"
 
 namespace zel {
 namespace {

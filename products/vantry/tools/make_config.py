@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""Writes resources/config.plist, the description of Vantry that the editor reads.
+"""Writes products/vantry/config.plist, the description of Vantry that the editor reads.
 
 The plist is the source the editor reads and is committed; this script keeps it
 consistent (every preset lists every parameter that presets govern, clump
 layouts name a frame for every parameter) and is the place to change it:
 
-    /usr/bin/python3 resources/tools/make_config.py            # rewrite the file
-    /usr/bin/python3 resources/tools/make_config.py --check    # exit 1 if it is stale
+    /usr/bin/python3 products/vantry/tools/make_config.py            # rewrite the file
+    /usr/bin/python3 products/vantry/tools/make_config.py --check    # exit 1 if it is stale
 
 Writing drops the label images; ./vantry labels runs this script and then
 zel-make-labels, which renders them back in (--check ignores them).

@@ -1,10 +1,10 @@
-#include "dsp/ZelVantryUnit.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "dsp/ZelDenormals.h"
-#include "dsp/ZelVantryEngine.h"
+#include "products/vantry/unit/ZelVantryEngine.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 
