@@ -154,6 +154,11 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
                                      resourcesDirectory_.empty() ? ZelBundle::resourcesDirectory() : resourcesDirectory_);
   auto editor = std::make_unique<ZelGenericUI>(bounds(), config_.get(), &runLoop_);
   editor->setDelegate(this);
+  // A unit that meters hands its metering record on to a sketch that meters.
+  if (const ZelUnitMeteringResult metering = ZelGetMeteringResult(*unit_); metering.valid) {
+    const ZelMeteringFunction function = metering.metering.function;
+    editor->setMeteringCallback({reinterpret_cast<void*>(function), metering.metering.context});
+  }
   runLoop_.schedule(kSketchDelay, [this] { addSketch(); }, ZelCallKey{this, kAddSketch});
   ui_ = addSubview(std::move(editor));
 

@@ -22,15 +22,16 @@ float valueAt(std::span<const float> values, int pid) {
                                                                     : tollhum::kParameters[pid].initial;
 }
 
-int readMeter(void* context, float* values, int capacity) {
-  return static_cast<const tollhum::Meter*>(context)->readValues(values, capacity);
+void readMeter(void* context, float* levels, std::uint32_t count) {
+  static_cast<const tollhum::Meter*>(context)->readValues(levels, static_cast<int>(count));
 }
 
 }  // namespace
 
 ZelMeteringCallback ZelTollhumMeteringCallbackFor(const tollhum::Meter* meter) {
   if (!meter) return {};
-  return {reinterpret_cast<void*>(&readMeter), const_cast<tollhum::Meter*>(meter)};
+  const ZelMeteringFunction function = &readMeter;
+  return {reinterpret_cast<void*>(function), const_cast<tollhum::Meter*>(meter)};
 }
 
 ZelTollhumParameterSketch::ZelTollhumParameterSketch(CGRect frame, const ZelConfig* config)
@@ -165,13 +166,13 @@ void ZelTollhumParameterSketch::drawStems() {
 }
 
 void ZelTollhumParameterSketch::updateMeterWithDuration(double) {
-  const ZelMeteringCallback callback = meteringCallback();
-  if (!callback.function) return;
   float values[tollhum::Meter::kValueCount];
-  const int n = reinterpret_cast<ZelTollhumMeterFunction>(callback.function)(callback.context, values,
-                                                                             tollhum::Meter::kValueCount);
-  if (n < tollhum::Meter::kValueCount) return;
+  if (!meteringCallback().read(values, tollhum::Meter::kValueCount)) return;
   tollhum::MeterReading next;
+  // Levels from a host are taken as they come, but a non-finite one reads
+  // as the floor.
+  for (float& v : values)
+    if (!std::isfinite(v)) v = tollhum::Meter::kFloorDb;
   for (int c = 0; c < 2; ++c) next.peak[c] = values[c], next.hold[c] = values[2 + c], next.rms[c] = values[4 + c];
   if (std::equal(std::begin(next.peak), std::end(next.rms), std::begin(reading_.peak))) return;
   reading_ = next;

@@ -10,7 +10,7 @@
 // marks at 0, -12, -24 and -48 dB.
 //
 // The meter reads the unit through the metering callback (see
-// ZelTollhumMeterFunction below) once per frame of the window's frame clock,
+// ZelTollhumMeteringCallbackFor below) once per frame of the window's frame clock,
 // which runs all the time this view is in a window (it is a meter); without
 // a callback the bars rest at the bottom.
 //
@@ -28,12 +28,10 @@
 
 ZEL_NAMESPACE_BEGIN
 
-// The metering function this sketch calls: writes at most `capacity` levels
-// in dBFS, in the order of tollhum::Meter (peak L, peak R, hold L, hold R,
-// RMS L, RMS R), and returns how many it wrote. It must not block: the
-// sketch calls it on the main thread every frame.
-using ZelTollhumMeterFunction = int (*)(void* context, float* values, int capacity);
-// A metering callback that reads `meter` directly (a unit in this process).
+// The sketch reads tollhum::Meter::kValueCount levels in dBFS through its
+// metering callback, in the order of tollhum::Meter (peak L, peak R, hold L,
+// hold R, RMS L, RMS R). A metering callback that reads `meter` directly (a
+// unit in this process):
 ZelMeteringCallback ZelTollhumMeteringCallbackFor(const tollhum::Meter* meter);
 
 class ZelTollhumParameterSketch : public ZelParameterSketch {
