@@ -93,7 +93,13 @@ void ZelTollhumUnit::snapGlides() {
   for (ZelRamp* ramp : {&logDecay_, &tone_, &logCut_, &mix_, &gain_, &width_, &power_}) ramp->snap(ramp->target());
   // The first control period starts where it ends: no glide at all.
   runControl(0);
-  for (int c = 0; c < 2; ++c)
+  startControlPeriod();
+  phase_ = 0;
+}
+
+// A new control period starts where the last one ended.
+void ZelTollhumUnit::startControlPeriod() {
+  for (int c = 0; c < channels_; ++c)
     for (int k = 0; k < kStrings; ++k) {
       StringState& s = state_[c].strings[k];
       s.delay = next_[c][k].delay, s.feedback = next_[c][k].feedback;
@@ -101,7 +107,6 @@ void ZelTollhumUnit::snapGlides() {
     }
   cut_ = cutNext_;
   mixFrom_ = mixTo_, gainFrom_ = gainTo_, widthFrom_ = widthTo_, powerFrom_ = powerTo_;
-  phase_ = 0;
 }
 
 // Moves the glides `samples` on and computes the values at the end of the
@@ -131,15 +136,7 @@ void ZelTollhumUnit::process(const float* const* in, float* const* out, std::uin
   }
   for (std::uint32_t done = 0; done < frames;) {
     if (phase_ == 0) {
-      // A new control period: its start is where the last one ended.
-      for (int c = 0; c < channels_; ++c)
-        for (int k = 0; k < kStrings; ++k) {
-          StringState& s = state_[c].strings[k];
-          s.delay = next_[c][k].delay, s.feedback = next_[c][k].feedback;
-          s.lowpass = next_[c][k].lowpass, s.norm = next_[c][k].norm;
-        }
-      cut_ = cutNext_;
-      mixFrom_ = mixTo_, gainFrom_ = gainTo_, widthFrom_ = widthTo_, powerFrom_ = powerTo_;
+      startControlPeriod();
       runControl(kControlPeriod);
       phase_ = kControlPeriod;
     }

@@ -82,6 +82,7 @@ class ZelTollhumUnit {
   void startGlides();
   void snapGlides();
   void runControl(int samples);
+  void startControlPeriod();
   void processSpan(const float* const* in, float* const* out, int offset, int n);
 
   int channels_;
