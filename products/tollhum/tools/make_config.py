@@ -254,6 +254,14 @@ def categorized():
                          for title, members in SECTIONS]}
 
 
+# The level meter's six levels, as the unit publishes them (tollhum::Meter):
+# the LV2 plug-ins' meter output ports, which hosts can show too.
+METER_PORTS = [
+    {"symbol": f"{kind}_{side}", "name": f"{title} {side_name}", "minValue": -90.0, "maxValue": 12.0}
+    for kind, title in (("peak", "Peak"), ("hold", "Held peak"), ("rms", "RMS"))
+    for side, side_name in (("l", "left"), ("r", "right"))
+]
+
 TAB_ORDER = ["Note", "Fine", "Chord", "Decay", "Tone", "Mix", "Output", "InputCut", "Detune", "Width"]
 
 METADATA = {
@@ -276,6 +284,7 @@ METADATA = {
     "tabOrder": TAB_ORDER,
     "clumpsLayout": CLUMPS_LAYOUT,
     "advancedClumpsLayout": ADVANCED_LAYOUT,
+    "meterPorts": METER_PORTS,
 }
 
 
