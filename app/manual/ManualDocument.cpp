@@ -173,12 +173,15 @@ ZelManualPage coverPage(const ZelConfig& config) {
 }
 
 ZelManualPage overviewPage(const ZelConfig& config, const ZelManualTexts& texts) {
-  ZelManualPage page{"What Vantry does", "overview", {}};
+  ZelManualPage page{"What " + config.metadata().pluginName + " does", "overview", {}};
   page.blocks.push_back(heading(page.title, page.anchor));
   paragraphs(page.blocks, texts.overview);
-  Block flow;
-  flow.kind = Kind::Flow;
-  page.blocks.push_back(flow);
+  if (!texts.flow.steps.empty()) {
+    Block flow;
+    flow.kind = Kind::Flow;
+    flow.flow = texts.flow;
+    page.blocks.push_back(flow);
+  }
   page.blocks.push_back(subheading("The editor at a glance", "editor"));
   std::vector<std::vector<std::string>> rows;
   std::string main, advanced;
@@ -344,7 +347,7 @@ ZelManualPage copyAndStatePage(const ZelConfig& config) {
   page.blocks.push_back(text(Kind::Paragraph,
                              "`Ctrl+C` (or the save button of the preset bar) puts the settings on the clipboard "
                              "as one line of text shaped like a web address, to paste into a message, a note or "
-                             "another instance of Vantry:"));
+                             "another instance of " + m.pluginName + ":"));
   page.blocks.push_back(text(Kind::Note, "`" + base + "?lo:632/deg:100`"));
   page.blocks.push_back(text(
       Kind::Paragraph,
@@ -391,8 +394,8 @@ ZelManualPage copyAndStatePage(const ZelConfig& config) {
         "and it starts at the defaults (the theme from `--theme`). With `--watch` the values, the preset and the "
         "theme survive every reload of the description. Copy the settings with `Ctrl+C` to keep them."},
        {"**Undo history**", "Belongs to the open editor: it starts afresh each time the editor opens."},
-       {"**This manual**", "`ZelVantry_Manual.pdf` (and `ZelVantry_Manual.html`) in the plug-in's "
-                           "`resources` folder and in the app's."}},
+       {"**This manual**", "`" + m.classPrefix + "_Manual.pdf` (and `" + m.classPrefix +
+                               "_Manual.html`) in the plug-in's `resources` folder and in the app's."}},
       false));
   return page;
 }
