@@ -3,7 +3,10 @@
 // 48 kHz of white noise, each block timed on its own. Rounds are interleaved
 // (every setting once per round); the figure is the median over the rounds
 // of each round's median time per block.
-//   lv2-dsp-compare [--rounds N] [--blocks N]
+//   lv2-dsp-compare [--rounds N] [--blocks N] [--plugin 'LABEL;URI[;SYMBOL=VALUE]...']...
+//                   [--no-defaults]
+// --plugin adds a setting (another product, a peer), --no-defaults leaves
+// out the built-in ones.
 #include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
 #include <lv2/atom/util.h>
@@ -148,9 +151,37 @@ double median(std::vector<double> v) {
 
 int main(int argc, char** argv) {
   int rounds = 5, blocks = 4000;
-  for (int i = 1; i + 1 < argc; i += 2) {
+  bool defaults = true;
+  std::vector<Setting> added;
+  for (int i = 1; i < argc; ++i) {
+    if (!std::strcmp(argv[i], "--no-defaults")) {
+      defaults = false;
+      continue;
+    }
+    if (i + 1 >= argc) break;
     if (!std::strcmp(argv[i], "--rounds")) rounds = std::max(1, std::atoi(argv[i + 1]));
     else if (!std::strcmp(argv[i], "--blocks")) blocks = std::max(1, std::atoi(argv[i + 1]));
+    else if (!std::strcmp(argv[i], "--plugin")) {
+      // LABEL;URI;SYMBOL=VALUE;...
+      std::vector<std::string> fields;
+      std::string rest = argv[i + 1];
+      for (std::size_t at; (at = rest.find(';')) != std::string::npos; rest.erase(0, at + 1))
+        fields.push_back(rest.substr(0, at));
+      fields.push_back(rest);
+      if (fields.size() < 2) {
+        std::fprintf(stderr, "lv2-dsp-compare: --plugin wants 'LABEL;URI[;SYMBOL=VALUE]...'\n");
+        return 2;
+      }
+      Setting s{fields[0], fields[1], {}};
+      for (std::size_t f = 2; f < fields.size(); ++f) {
+        const std::size_t eq = fields[f].find('=');
+        if (eq != std::string::npos) s.controls[fields[f].substr(0, eq)] = std::strtof(fields[f].c_str() + eq + 1, nullptr);
+      }
+      added.push_back(std::move(s));
+    } else {
+      continue;
+    }
+    ++i;
   }
   const char* vantry = "https://www.zel-audio.example/plugins/vantry#stereo";
   const std::map<std::string, float> heavy{{"Drive", 100},  {"Degrade", 100}, {"Slope", 96}, {"HighCut", 2000},
@@ -166,6 +197,8 @@ int main(int argc, char** argv) {
       {"LSP para EQ x16 HP 200 + LP 2000", "http://lsp-plug.in/plugins/lv2/para_equalizer_x16_stereo",
        {{"ft_0", 2}, {"f_0", 200}, {"ft_1", 4}, {"f_1", 2000}}},
   };
+  if (!defaults) settings.clear();
+  settings.insert(settings.end(), added.begin(), added.end());
 
   LilvWorld* world = lilv_world_new();
   lilv_world_load_all(world);
