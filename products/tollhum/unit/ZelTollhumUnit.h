@@ -63,6 +63,12 @@ class ZelTollhumUnit {
 
   // The meter of the output (what process() wrote).
   const tollhum::Meter& meter() const { return meter_; }
+  // Its levels in dBFS, for any thread (see tollhum::Meter for the order):
+  // the plug-in's meter ports.
+  std::uint32_t meterCount() const { return tollhum::Meter::kValueCount; }
+  void readMeters(float* levels, std::uint32_t count) const {
+    meter_.readValues(levels, static_cast<int>(count));
+  }
 
  private:
   // Coefficients are computed every kControlPeriod samples and interpolated
