@@ -20,7 +20,7 @@
 // Threading: pure functions, real-time safe (no allocation).
 #pragma once
 
-#include "dsp/ZelVantryParameterTable.h"
+#include "dsp/ZelDspNamespace.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 

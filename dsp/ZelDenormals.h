@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "dsp/ZelVantryParameterTable.h"
+#include "dsp/ZelDspNamespace.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 

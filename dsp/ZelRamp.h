@@ -3,7 +3,7 @@
 // Threading: one thread; real-time safe.
 #pragma once
 
-#include "dsp/ZelVantryParameterTable.h"
+#include "dsp/ZelDspNamespace.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 

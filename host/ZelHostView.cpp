@@ -6,9 +6,9 @@
 #include <cstring>
 #include <limits>
 
-#include "dsp/ZelVantryParameterTable.h"
+#include "dsp/ZelProduct.h"
+#include "host/ZelProductSketch.h"
 #include "model/ZelConfig.h"
-#include "products/vantry/sketch/ZelVantryParameterSketch.h"
 #include "toolkit/core/ZelWindow.h"
 #include "toolkit/foundation/ZelBundle.h"
 
@@ -25,10 +25,9 @@ constexpr std::string_view kEnsureFirstResponder = "ensureFirstResponder";
 constexpr float kPositionLow = 20, kPositionSpan = 19980;
 constexpr float kFrequencyLow = 20, kFrequencyRatio = 1000;
 
-std::array<ZelHostView::ParameterSpec, ZelHostView::kParameterCount> makeTable() {
-  static_assert(kZelParameterCount == ZelHostView::kParameterCount, "the description has 12 parameters");
-  std::array<ZelHostView::ParameterSpec, ZelHostView::kParameterCount> table{};
-  for (const ZelUnitParameter& p : kZelParameters) {
+std::vector<ZelHostView::ParameterSpec> makeTable(const ZelProduct& product) {
+  std::vector<ZelHostView::ParameterSpec> table(product.parameters.size());
+  for (const ZelUnitParameter& p : product.parameters) {
     ZelHostView::Conversion c = ZelHostView::Conversion::Plain;
     switch (p.kind) {
       case ZelParameterKind::Switch: c = ZelHostView::Conversion::Switch; break;
@@ -61,13 +60,20 @@ ZelUnitMeteringResult ZelGetMeteringResult(ZelUnitConnection& unit) {
   return result;
 }
 
-const std::array<ZelHostView::ParameterSpec, ZelHostView::kParameterCount>& ZelHostView::parameterTable() {
-  static const auto table = makeTable();
+const std::vector<ZelHostView::ParameterSpec>& ZelHostView::parameterTable() {
+  // The product is chosen before the first view exists; a later choice
+  // (a test that switches) gets its own table.
+  static const ZelProduct* product = nullptr;
+  static std::vector<ParameterSpec> table;
+  if (const ZelProduct& current = ZelCurrentProduct(); product != &current) {
+    product = &current;
+    table = makeTable(current);
+  }
   return table;
 }
 
 float ZelHostView::editorValueFromUnit(std::uint32_t pid, float x) {
-  if (pid >= kParameterCount) return 0;
+  if (pid >= parameterCount()) return 0;
   const ParameterSpec& spec = parameterTable()[pid];
   float v = x;
   switch (spec.conversion) {
@@ -80,7 +86,7 @@ float ZelHostView::editorValueFromUnit(std::uint32_t pid, float x) {
 }
 
 float ZelHostView::unitValueFromEditor(std::uint32_t pid, float v) {
-  if (pid >= kParameterCount) return 0;
+  if (pid >= parameterCount()) return 0;
   if (parameterTable()[pid].conversion != Conversion::Frequency) return v;
   return positionFromHertz(v);
 }
@@ -94,9 +100,11 @@ float ZelHostView::positionFromHertz(float v) {
 }
 
 ZelSketchFactory ZelHostView::productSketchFactory() {
-  return [](CGRect frame, const ZelConfig& config) -> std::unique_ptr<ZelParameterSketch> {
+  const ZelSketchMaker maker = ZelProductSketchMaker(ZelCurrentProduct().slug);
+  if (!maker) return {};
+  return [maker](CGRect frame, const ZelConfig& config) -> std::unique_ptr<ZelParameterSketch> {
     if (!config.metadata().hasParameterSketch) return nullptr;
-    return std::make_unique<ZelVantryParameterSketch>(frame, &config);
+    return maker(frame, config);
   };
 }
 
@@ -104,9 +112,14 @@ ZelHostView::ZelHostView(ZelRunLoop& runLoop, std::string resourcesDirectory)
     : ZelView(CGRectMake(0, 0, kInitialSize.width, kInitialSize.height)),
       runLoop_(runLoop),
       resourcesDirectory_(std::move(resourcesDirectory)),
-      sketchFactory_(productSketchFactory()) {
-  outgoing_.fill(kNothingOutstanding);
-}
+      count_(parameterCount()),
+      outgoing_(count_, kNothingOutstanding),
+      gestures_(count_, 0),
+      pendingValue_(count_, 0.0f),
+      deliveryPending_(count_, false),
+      heldDuringGesture_(count_, false),
+      lastSent_(count_, 0.0f),
+      sketchFactory_(productSketchFactory()) {}
 
 ZelHostView::ZelHostView(ZelRunLoop& runLoop, std::unique_ptr<ZelConfig> config) : ZelHostView(runLoop) {
   config_ = std::move(config);
@@ -140,10 +153,10 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
   removeEditor();
   runLoop_.cancelAllForTarget(this);
   unit_ = unit;
-  outgoing_.fill(kNothingOutstanding);
-  gestures_.fill(0);
-  deliveryPending_.fill(false);
-  heldDuringGesture_.fill(false);
+  std::fill(outgoing_.begin(), outgoing_.end(), kNothingOutstanding);
+  std::fill(gestures_.begin(), gestures_.end(), 0);
+  std::fill(deliveryPending_.begin(), deliveryPending_.end(), false);
+  std::fill(heldDuringGesture_.begin(), heldDuringGesture_.end(), false);
   if (!unit_) return;
 
   setWantsLayer(true);
@@ -216,7 +229,7 @@ void ZelHostView::addListeners() {
     return;
   }
   listening_ = true;
-  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
+  for (std::uint32_t pid = 0; pid < count_; ++pid)
     if (ZelUnitStatus s = unit_->addListenerParameter(this, pid); s != kZelUnitNoErr)
       logFailure(176, "AUListenerAddParameter()", s);
 }
@@ -224,7 +237,7 @@ void ZelHostView::addListeners() {
 void ZelHostView::removeListeners() {
   if (!unit_ || !listening_) return;
   listening_ = false;
-  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
+  for (std::uint32_t pid = 0; pid < count_; ++pid)
     if (ZelUnitStatus s = unit_->removeListenerParameter(this, pid); s != kZelUnitNoErr)
       logFailure(183, "AUListenerRemoveParameter()", s);
   if (ZelUnitStatus s = unit_->disposeListener(this); s != kZelUnitNoErr) logFailure(185, "AUListenerDispose()", s);
@@ -232,7 +245,7 @@ void ZelHostView::removeListeners() {
 
 void ZelHostView::synchronizeUIWithParameterValues() {
   if (!unit_) return;
-  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid) {
+  for (std::uint32_t pid = 0; pid < count_; ++pid) {
     float value = 0;
     if (ZelUnitStatus s = unit_->getParameter(pid, value); s != kZelUnitNoErr) {
       // Nothing was read: setting it back would overwrite the unit's value.
@@ -254,7 +267,7 @@ float ZelHostView::valueForParameterID(std::uint32_t pid) const {
 }
 
 void ZelHostView::notifyEventType(ZelUnitGesture gesture, std::uint32_t pid) {
-  if (unit_ && pid < kParameterCount) unit_->postGesture(gesture, pid, this);
+  if (unit_ && pid < count_) unit_->postGesture(gesture, pid, this);
 }
 
 void ZelHostView::requestPresetNamed(const std::string& name) {
@@ -269,7 +282,7 @@ void ZelHostView::unitPresetNameChanged() {
   ui_->lastSavedPresetWasNamed(lastPreset_);
   // As at connection, the values follow the name, so that the editor checks
   // them against the preset it now shows (nothing is written to the unit).
-  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
+  for (std::uint32_t pid = 0; pid < count_; ++pid)
     if (ZelUnitStatus s = unit_->notifyListeners(pid, this); s != kZelUnitNoErr) logFailure(194, "listen", s);
 }
 
@@ -288,7 +301,7 @@ void ZelHostView::applyZoom(double zoom) {
 
 void ZelHostView::parameterListener(const void* sender, std::uint32_t pid, float value) {
   (void)sender;
-  if (pid >= kParameterCount) {
+  if (pid >= count_) {
     runLoop_.schedule(0, [this, pid, value] { deliver(pid, value); }, ZelCallKey{this, kDeliver});
     return;
   }
@@ -349,7 +362,7 @@ void ZelHostView::ensureFirstResponder() {
 
 void ZelHostView::interfaceUpdatedParameterKeyed(ZelGenericUI& ui, std::int64_t key, float value) {
   (void)ui;
-  if (!unit_ || key < 0 || key >= static_cast<std::int64_t>(kParameterCount)) return;
+  if (!unit_ || key < 0 || key >= static_cast<std::int64_t>(count_)) return;
   const auto pid = static_cast<std::uint32_t>(key);
   const float x = unitValueFromEditor(pid, value);
   outgoing_[pid] = x;
@@ -359,13 +372,13 @@ void ZelHostView::interfaceUpdatedParameterKeyed(ZelGenericUI& ui, std::int64_t 
 
 void ZelHostView::interfaceBeganInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
   (void)ui;
-  if (key >= 0 && key < static_cast<std::int64_t>(kParameterCount)) ++gestures_[static_cast<std::size_t>(key)];
+  if (key >= 0 && key < static_cast<std::int64_t>(count_)) ++gestures_[static_cast<std::size_t>(key)];
   if (key >= 0) notifyEventType(ZelUnitGesture::Begin, static_cast<std::uint32_t>(key));
 }
 
 void ZelHostView::interfaceEndedInteractionWithParameterKeyed(ZelGenericUI& ui, std::int64_t key) {
   (void)ui;
-  if (key >= 0 && key < static_cast<std::int64_t>(kParameterCount)) {
+  if (key >= 0 && key < static_cast<std::int64_t>(count_)) {
     const auto pid = static_cast<std::uint32_t>(key);
     int& open = gestures_[pid];
     open = std::max(open - 1, 0);

@@ -8,9 +8,9 @@
 //
 // Values: the connection speaks the unit's representation (frequencies as
 // the linear position 20-20000), the editor its own units (hertz); the
-// fixed parameter table generated from the description (ids 0-11) says how
-// each id converts and clamps. Ids above 11 reach the editor as 0 and are
-// not sent to the unit. Between the editor's begin and end of a gesture on
+// current product's parameter table, generated from its description
+// (dsp/ZelProduct.h, ids 0..N-1), says how each id converts and clamps. Ids
+// past the table reach the editor as 0 and are not sent to the unit. Between the editor's begin and end of a gesture on
 // an id, the unit's reports for it are dropped (the user's drag is never
 // pulled back by an echo or automation); reports reach the editor on the
 // next run-loop turn, the latest value per id only, so a host's flood costs
@@ -26,12 +26,12 @@
 // Threading: main thread only.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelGenericUIDelegate.h"
@@ -45,7 +45,6 @@ class ZelConfig;
 
 class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private ZelUnitParameterListener {
  public:
-  static constexpr std::uint32_t kParameterCount = 12;
   // The size every host view starts at, whatever the host asked for.
   static constexpr CGSize kInitialSize{480, 380};
   static constexpr double kSketchDelay = 1.0;
@@ -59,12 +58,13 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
     Conversion conversion;
     float minimum, maximum;
   };
-  // The product's table, id by id.
-  static const std::array<ParameterSpec, kParameterCount>& parameterTable();
+  // The current product's table, id by id (dsp/ZelProduct.h).
+  static const std::vector<ParameterSpec>& parameterTable();
+  static std::uint32_t parameterCount() { return std::uint32_t(parameterTable().size()); }
   // The unit's value of `pid` as the editor sees it (converted, clamped;
-  // 0 for an id above 11).
+  // 0 for an id past the table).
   static float editorValueFromUnit(std::uint32_t pid, float unitValue);
-  // The editor's value as the unit takes it (0 for an id above 11).
+  // The editor's value as the unit takes it (0 for an id past the table).
   static float unitValueFromEditor(std::uint32_t pid, float editorValue);
   // The frequency parameters' two representations: hertz on a logarithmic
   // scale (the editor, the LV2 ports) and the unit's linear position
@@ -87,8 +87,9 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
 
   // Where failed unit calls are reported (one line each, ending in "\n").
   void setLogSink(std::function<void(std::string_view line)> sink) { logSink_ = std::move(sink); }
-  // The sketch added one second after connecting; by default the product's
-  // (for a description that asks for one); an empty factory: none.
+  // The sketch added one second after connecting; by default the current
+  // product's (host/ZelProductSketch.h), for a description that asks for
+  // one; an empty factory: none.
   void setSketchFactory(ZelSketchFactory factory) { sketchFactory_ = std::move(factory); }
   static ZelSketchFactory productSketchFactory();
 
@@ -102,7 +103,7 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   ZelGenericUI* ui() const { return ui_; }
   const ZelConfig* config() const { return config_.get(); }
   const std::string& lastPreset() const { return lastPreset_; }
-  float outgoingValue(std::uint32_t pid) const { return pid < kParameterCount ? outgoing_[pid] : kNothingOutstanding; }
+  float outgoingValue(std::uint32_t pid) const { return pid < count_ ? outgoing_[pid] : kNothingOutstanding; }
 
   void addListeners();
   void removeListeners();
@@ -157,22 +158,23 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   ZelGenericUI* ui_ = nullptr;  // owned by the view tree
   ZelWindow* observedWindow_ = nullptr;
   std::string lastPreset_;
-  std::array<float, kParameterCount> outgoing_{};
+  std::uint32_t count_;  // the product's parameters, ids 0..count_-1
+  std::vector<float> outgoing_;
   // Gestures the editor has begun and not ended, per id: while one is open
   // the user's value stands and what the unit reports for that id (its echo
   // or a host's late or automated value) is dropped, so the control under
   // the pointer is never pulled back.
-  std::array<int, kParameterCount> gestures_{};
+  std::vector<int> gestures_;
   // The unit's latest value per id waiting for the run loop; one delivery
   // per id is pending at a time, however many reports arrive before it.
-  std::array<float, kParameterCount> pendingValue_{};
-  std::array<bool, kParameterCount> deliveryPending_{};
+  std::vector<float> pendingValue_;
+  std::vector<char> deliveryPending_;
   // Reports were dropped during a gesture (the echo of the user's own
   // values among them): when it ends the user's last value is delivered as
   // its echo would have been, so the editor applies its rules to it, and
   // the control stays where the user left it.
-  std::array<bool, kParameterCount> heldDuringGesture_{};
-  std::array<float, kParameterCount> lastSent_{};  // unit representation
+  std::vector<char> heldDuringGesture_;
+  std::vector<float> lastSent_;  // unit representation
   ZelSketchFactory sketchFactory_;
   std::function<void(std::string_view)> logSink_;
   std::function<void(double)> zoomHandler_;

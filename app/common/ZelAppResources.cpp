@@ -5,6 +5,7 @@
 #include <climits>
 #include <sys/stat.h>
 
+#include "dsp/ZelProduct.h"
 #include "toolkit/foundation/ZelBundle.h"
 
 ZEL_NAMESPACE_BEGIN
@@ -15,7 +16,7 @@ std::string ZelUseResourcesBesideExecutable() {
   if (n > 0) {
     std::string dir(buffer, std::size_t(n));
     dir.erase(dir.rfind('/') == std::string::npos ? 0 : dir.rfind('/'));
-    const std::string resources = dir + "/resources";
+    const std::string resources = dir + "/resources/" + ZelCurrentProduct().slug;
     struct stat info {};
     if (::stat((resources + "/config.plist").c_str(), &info) == 0 && S_ISREG(info.st_mode))
       ZelBundle::setResourcesDirectory(resources);

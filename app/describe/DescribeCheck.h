@@ -1,7 +1,7 @@
 // The checks behind `check`, each a function over the loaded model (and the
 // raw description where the model keeps only part of it). Findings carry the
 // key path of what they are about, in the model's diagnostic style:
-//   clumps[2].parameters[0].minValue, presets.values[4].LowCut
+//   clumps[2].parameters[0].minValue, presets.values[4].Cutoff
 #pragma once
 
 #include <functional>
@@ -54,7 +54,7 @@ class ZelParameterIndex {
   std::map<std::string, std::size_t, std::less<>> byCode_, byMinimal_;
 };
 
-// "'LowCut'" or "pid 4" when the parameter has no code name.
+// "'Cutoff'" or "pid 4" when the parameter has no code name.
 std::string ZelParameterTitle(const ZelParameter& p);
 
 // pids, code names and minimal names: missing, duplicated, out of range.

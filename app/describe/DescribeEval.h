@@ -20,7 +20,7 @@ struct ZelEvalExpression {
 
 // Parses the expressions from the command line. Each one is either a verb
 // followed by its arguments as separate words, or one word holding the
-// whole expression separated by blanks ("position LowCut 1000"). Returns
+// whole expression separated by blanks ("position Cutoff 1000"). Returns
 // none and sets `error` (naming the offending expression) on failure.
 std::optional<std::vector<ZelEvalExpression>> ZelParseEvalExpressions(const std::vector<std::string>& words,
                                                                        std::string& error);

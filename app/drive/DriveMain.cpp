@@ -1,7 +1,10 @@
 // zel-drive: drives the editor from a script, for checking it from outside.
 //
-//   zel-drive [--config FILE] [--scale S] [--no-echo] [SCRIPT]
+//   zel-drive [--product SLUG] [--config FILE] [--scale S] [--no-echo] [SCRIPT]
 //
+// --product chooses among the products this program holds (every product
+// folder of the build): its description (bin/resources/SLUG) and its
+// sketch; without it the build's default product.
 // The editor is built on the offscreen backend with a virtual clock and an
 // in-memory clipboard; the stand-in unit reports every value as a host does
 // when a view opens, the clock runs 1.1 s (drawers, sketch, first undo
@@ -25,6 +28,7 @@
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelNumberWords.h"
 #include "app/drive/DriveRunner.h"
+#include "dsp/ZelProduct.h"
 #include "model/ZelConfig.h"
 
 namespace {
@@ -49,6 +53,8 @@ bool parse(int argc, char** argv, Options& o, std::string& error) {
     const bool hasValue = i + 1 < argc;
     if (a == "--no-echo") {
       o.echoes = false;
+    } else if (a == "--product" && hasValue) {
+      ++i;  // chosen before anything else (chooseProduct)
     } else if (a == "--config" && hasValue) {
       o.config = argv[++i];
     } else if (a == "--scale" && hasValue) {
@@ -66,6 +72,26 @@ bool parse(int argc, char** argv, Options& o, std::string& error) {
   return true;
 }
 
+constexpr char kUsage[] = "usage: zel-drive [--product SLUG] [--config FILE] [--scale S] [--no-echo] [SCRIPT]\n";
+
+// Selects the product named by --product; false (with the reason) when the
+// program holds none of that name.
+bool chooseProduct(int argc, char** argv, std::string& error) {
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--product") != 0) continue;
+    if (i + 1 >= argc) return error = "--product needs a product's slug", false;
+    const ZelProduct* product = ZelFindProduct(argv[i + 1]);
+    if (!product) {
+      error = std::string("no product \"") + argv[i + 1] + "\" in this build (";
+      for (const ZelProduct* p : ZelProducts()) error += std::string(p == ZelProducts().front() ? "" : ", ") + p->slug;
+      return error += ")", false;
+    }
+    ZelSelectProduct(*product);
+    ++i;
+  }
+  return true;
+}
+
 int runScript(ZelDriveRunner& runner, std::istream& in) {
   std::string text, error;
   for (int number = 1; std::getline(in, text); ++number) {
@@ -77,12 +103,15 @@ int runScript(ZelDriveRunner& runner, std::istream& in) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::string error;
+  if (!chooseProduct(argc, argv, error)) {
+    std::fprintf(stderr, "zel-drive: %s\n%s", error.c_str(), kUsage);
+    return 2;
+  }
   ZelUseResourcesBesideExecutable();
   Options o;
-  std::string error;
   if (!parse(argc, argv, o, error)) {
-    std::fprintf(stderr, "zel-drive: %s\nusage: zel-drive [--config FILE] [--scale S] [--no-echo] [SCRIPT]\n",
-                 error.c_str());
+    std::fprintf(stderr, "zel-drive: %s\n%s", error.c_str(), kUsage);
     return 2;
   }
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(o.config, error);

@@ -82,7 +82,7 @@ int runWindow(const Options& o) {
   window.setContentView(std::move(content));
   ZelX11WindowOptions options;
   options.backingScale = o.scale;
-  options.title = "Vantry gallery";
+  options.title = "Zel gallery";
   options.className = "zel-gallery";
   int status = 0;
   if (auto host = ZelX11WindowHost::create(window, options)) {

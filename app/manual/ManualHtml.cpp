@@ -1,5 +1,5 @@
 // The manual as one HTML page: the same pages as the PDF, one section each,
-// every parameter under an anchor named after its code name (id="LowCut"),
+// every parameter under an anchor named after its code name (id="Gain"),
 // every clump under "clump-<code name>". The pictures are embedded.
 #include <cairo.h>
 

@@ -14,6 +14,7 @@
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelEditorStill.h"
 #include "app/manual/ManualDocument.h"
+#include "dsp/ZelProduct.h"
 #include "model/ZelConfig.h"
 
 using namespace zel;
@@ -51,6 +52,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "zel-make-manual: cannot read the description %s: %s\n", configPath.c_str(), error.c_str());
     return 2;
   }
+  // The pictures show the product the description is (its sketch), when
+  // this program holds it.
+  if (const ZelProduct* product = ZelFindProduct(config->metadata().pluginURLSlug)) ZelSelectProduct(*product);
   const ZelManualTextsLoad texts = ZelLoadManualTexts(textsPath, *config);
   for (const std::string& e : texts.errors) std::fprintf(stderr, "zel-make-manual: %s: %s\n", textsPath.c_str(), e.c_str());
   if (!texts.errors.empty()) return 1;

@@ -18,7 +18,7 @@
 
 #include "app/common/ZelDescriptionFile.h"
 #include "app/common/ZelNumberWords.h"
-#include "products/vantry/unit/ZelVantryUnit.h"
+#include "dsp/ZelProduct.h"
 #include "model/ZelConfig.h"
 #include "model/ZelPresets.h"
 
@@ -75,8 +75,11 @@ Request parse(int argc, char** argv) {
   return r;
 }
 
+// The program's name in messages: "<slug> process".
+std::string me() { return std::string(ZelCurrentProduct().slug) + " process"; }
+
 const ZelParameter* parameterNamed(const ZelConfig& config, const std::string& codeName) {
-  for (int pid = 0; pid < kZelParameterCount; ++pid) {
+  for (int pid = 0; pid < ZelCurrentProduct().parameterCount(); ++pid) {
     const ZelParameter* p = config.parameterForPid(pid);
     if (p && p->codesafeName == codeName) return p;
   }
@@ -85,8 +88,9 @@ const ZelParameter* parameterNamed(const ZelConfig& config, const std::string& c
 
 // Every value the unit takes, by pid: the defaults, the preset, the --sets.
 std::vector<float> settings(const ZelConfig& config, const Request& r) {
-  std::vector<float> values(kZelParameterCount);
-  for (int pid = 0; pid < kZelParameterCount; ++pid) values[pid] = kZelParameters[pid].initial;
+  const ZelProduct& product = ZelCurrentProduct();
+  std::vector<float> values(product.parameters.size());
+  for (const ZelUnitParameter& p : product.parameters) values[std::size_t(p.pid)] = p.initial;
   if (!r.preset.empty()) {
     const ZelPresets* presets = config.presets();
     std::optional<unsigned> index;
@@ -96,7 +100,7 @@ std::vector<float> settings(const ZelConfig& config, const Request& r) {
     }
     if (!index) throw Refusal{"no factory preset is named \"" + r.preset + "\""};
     for (const ZelPresetAssignment& a : ZelPresetAssignments(config, *index))
-      if (a.parameter->pid >= 0 && a.parameter->pid < kZelParameterCount) values[a.parameter->pid] = a.value;
+      if (a.parameter->pid >= 0 && a.parameter->pid < product.parameterCount()) values[a.parameter->pid] = a.value;
   }
   for (const auto& [name, text] : r.sets) {
     const ZelParameter* p = parameterNamed(config, name);
@@ -108,9 +112,9 @@ std::vector<float> settings(const ZelConfig& config, const Request& r) {
     const float v = float(*number);
     const float clamped = std::clamp(v, p->minValue, p->maxValue);
     if (clamped != v)
-      std::fprintf(stderr, "vantry process: warning: %s=%s is outside %g to %g; using %g\n", name.c_str(),
+      std::fprintf(stderr, "%s: warning: %s=%s is outside %g to %g; using %g\n", me().c_str(), name.c_str(),
                    text.c_str(), double(p->minValue), double(p->maxValue), double(clamped));
-    values[p->pid] = clamped;
+    if (p->pid >= 0 && p->pid < product.parameterCount()) values[p->pid] = clamped;
   }
   return values;
 }
@@ -138,13 +142,14 @@ void drawProgress(sf_count_t done, sf_count_t total) {
 
 // The whole run; throws Refusal for bad input before OUT's temporary exists.
 int run(const Request& r, const ZelConfig& config) {
+  if (!ZelCurrentProduct().makeUnit) throw Refusal{"this program was built without a unit"};
   const std::vector<float> values = settings(config, r);
 
   SF_INFO inInfo{};
   SndFile in(sf_open(r.in.c_str(), SFM_READ, &inInfo));
   if (!in) throw Refusal{"cannot read " + r.in + ": " + sf_strerror(nullptr)};
   if (inInfo.channels < 1 || inInfo.channels > 2)
-    throw Refusal{r.in + " has " + std::to_string(inInfo.channels) + " channels; Vantry takes one or two"};
+    throw Refusal{r.in + " has " + std::to_string(inInfo.channels) + " channels; " + std::string(ZelCurrentProduct().name) + " takes one or two"};
 
   SF_INFO outInfo{};
   outInfo.samplerate = inInfo.samplerate;
@@ -156,7 +161,7 @@ int run(const Request& r, const ZelConfig& config) {
 
   const std::filesystem::path outPath(r.out);
   const std::filesystem::path temporary =
-      outPath.parent_path() / ("." + outPath.filename().string() + ".vantry-" + std::to_string(getpid()));
+      outPath.parent_path() / ("." + outPath.filename().string() + "." + ZelCurrentProduct().slug + "-" + std::to_string(getpid()));
   SndFile out(sf_open(temporary.c_str(), SFM_WRITE, &outInfo));
   if (!out) throw Refusal{"cannot write " + r.out + ": " + sf_strerror(nullptr)};
   // From here on the temporary exists: remove it on any way out but success.
@@ -170,8 +175,9 @@ int run(const Request& r, const ZelConfig& config) {
   sf_command(out.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
 
   const int channels = inInfo.channels;
-  ZelVantryUnit unit(channels, inInfo.samplerate);
-  for (int pid = 0; pid < kZelParameterCount; ++pid) unit.setParameter(pid, values[pid]);
+  const std::unique_ptr<ZelAudioUnit> made = ZelCurrentProduct().makeUnit(channels, inInfo.samplerate);
+  ZelAudioUnit& unit = *made;
+  for (int pid = 0; pid < int(values.size()); ++pid) unit.setParameter(pid, values[pid]);
 
   std::vector<float> interleaved(std::size_t(kBlock * channels)), planar[2], result[2];
   for (int c = 0; c < 2; ++c) planar[c].resize(kBlock), result[c].resize(kBlock);
@@ -217,7 +223,7 @@ int run(const Request& r, const ZelConfig& config) {
       }
     }
     if (keep > 0 && sf_writef_float(out.get(), interleaved.data(), keep) != keep) {
-      std::fprintf(stderr, "vantry process: cannot write %s: %s\n", r.out.c_str(), sf_strerror(out.get()));
+      std::fprintf(stderr, "%s: cannot write %s: %s\n", me().c_str(), r.out.c_str(), sf_strerror(out.get()));
       return 1;
     }
     written += keep;
@@ -228,7 +234,7 @@ int run(const Request& r, const ZelConfig& config) {
   std::error_code ec;
   std::filesystem::rename(temporary, outPath, ec);
   if (ec) {
-    std::fprintf(stderr, "vantry process: cannot write %s: %s\n", r.out.c_str(), ec.message().c_str());
+    std::fprintf(stderr, "%s: cannot write %s: %s\n", me().c_str(), r.out.c_str(), ec.message().c_str());
     return 1;
   }
   cleanup.keep = true;
@@ -256,7 +262,7 @@ int ZelProcessCommand(int argc, char** argv, const char* configPath) {
     std::signal(SIGTERM, SIG_DFL);
     return status;
   } catch (const Refusal& refusal) {
-    std::fprintf(stderr, "vantry process: %s\n", refusal.message.c_str());
+    std::fprintf(stderr, "%s: %s\n", me().c_str(), refusal.message.c_str());
     return 2;
   }
 }

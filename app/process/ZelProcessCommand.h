@@ -1,6 +1,7 @@
-// `vantry process`: renders an audio file through the unit, offline.
+// `<slug> process`: renders an audio file through the current product's
+// unit (dsp/ZelProduct.h), offline.
 //
-//   vantry process IN OUT [--preset NAME] [--set CODENAME=VALUE]...
+//   <slug> process IN OUT [--preset NAME] [--set CODENAME=VALUE]...
 //                  [--format wav16|wav24|float|flac]
 //
 // Reads any file libsndfile reads with one or two channels and writes OUT

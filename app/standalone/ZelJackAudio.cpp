@@ -20,7 +20,7 @@ constexpr double kLeftoverCheck = 0.05;
 // is ours to explain) and go to stderr afterwards.
 std::atomic<bool> gQuietJack{false};
 void jackError(const char* message) {
-  if (!gQuietJack.load(std::memory_order_relaxed)) std::fprintf(stderr, "vantry: JACK: %s\n", message);
+  if (!gQuietJack.load(std::memory_order_relaxed)) std::fprintf(stderr, "%s: JACK: %s\n", ZelCurrentProduct().slug, message);
 }
 void jackInfo(const char*) {}
 
@@ -190,7 +190,7 @@ void ZelJackAudio::connectPorts() {
   auto connect = [client](const std::string& from, const std::string& to) {
     const int result = jack_connect(client, from.c_str(), to.c_str());
     if (result != 0 && result != EEXIST)
-      std::fprintf(stderr, "vantry: cannot connect %s to %s\n", from.c_str(), to.c_str());
+      std::fprintf(stderr, "%s: cannot connect %s to %s\n", ZelCurrentProduct().slug, from.c_str(), to.c_str());
   };
   std::vector<std::string> ins, outs;
   for (std::uint32_t c = 0; c < s.channels; ++c) {

@@ -34,7 +34,7 @@
 ZEL_NAMESPACE_BEGIN
 
 struct ZelJackOptions {
-  std::string clientName = "Vantry";  // JACK makes it unique
+  std::string clientName = ZelCurrentProduct().name;  // the product's name; JACK makes it unique
   bool connectPhysical = true;        // to the system's capture and playback ports
   // Ports to connect instead of the physical ones: an input port feeds our
   // inputs in turn (one port: all of them); our outputs go to the output
@@ -59,7 +59,7 @@ class ZelJackAudio {
   ZelJackAudio(const ZelJackAudio&) = delete;
   ZelJackAudio& operator=(const ZelJackAudio&) = delete;
 
-  // The client's name as the server made it unique ("Vantry", "Vantry-01").
+  // The client's name as the server made it unique ("Name", "Name-01").
   const std::string& clientName() const { return clientName_; }
   bool isRunning() const { return client_ != nullptr; }
 

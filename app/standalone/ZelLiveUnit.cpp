@@ -2,7 +2,8 @@
 
 ZEL_DSP_NAMESPACE_BEGIN
 
-ZelLiveUnit::ZelLiveUnit(std::unique_ptr<ZelVantryUnit> first) : playing_(first.release()) {}
+ZelLiveUnit::ZelLiveUnit(std::unique_ptr<ZelAudioUnit> first, int parameterCount)
+    : mailbox_(parameterCount), playing_(first.release()) {}
 
 ZelLiveUnit::~ZelLiveUnit() {
   delete offered_.exchange(nullptr);
@@ -10,7 +11,7 @@ ZelLiveUnit::~ZelLiveUnit() {
   delete playing_;
 }
 
-void ZelLiveUnit::replace(std::unique_ptr<ZelVantryUnit> next) {
+void ZelLiveUnit::replace(std::unique_ptr<ZelAudioUnit> next) {
   collect();
   // Whatever the audio thread did not take is ours again.
   delete offered_.exchange(next.release(), std::memory_order_acq_rel);
@@ -30,7 +31,7 @@ void ZelLiveUnit::settle() {
 void ZelLiveUnit::takeReplacement() noexcept {
   // The previous unit put aside must be collected before another one can be.
   if (retired_.load(std::memory_order_acquire) != nullptr) return;
-  ZelVantryUnit* next = offered_.exchange(nullptr, std::memory_order_acq_rel);
+  ZelAudioUnit* next = offered_.exchange(nullptr, std::memory_order_acq_rel);
   if (!next) return;
   retired_.store(playing_, std::memory_order_release);
   playing_ = next;
@@ -38,7 +39,7 @@ void ZelLiveUnit::takeReplacement() noexcept {
 
 void ZelLiveUnit::process(const float* const* in, float* const* out, std::uint32_t frames) noexcept {
   takeReplacement();
-  ZelVantryUnit& unit = *playing_;
+  ZelAudioUnit& unit = *playing_;
   mailbox_.take([&unit](int pid, float value) { unit.setParameter(pid, value); });
   unit.process(in, out, frames);
 }

@@ -21,13 +21,15 @@
 #include <memory>
 
 #include "app/standalone/ZelParameterMailbox.h"
-#include "products/vantry/unit/ZelVantryUnit.h"
+#include "dsp/ZelAudioUnit.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 
 class ZelLiveUnit {
  public:
-  explicit ZelLiveUnit(std::unique_ptr<ZelVantryUnit> first);
+  // `first` plays until replaced; the mailbox has a slot for each of the
+  // `parameterCount` pids.
+  ZelLiveUnit(std::unique_ptr<ZelAudioUnit> first, int parameterCount);
   ~ZelLiveUnit();
   ZelLiveUnit(const ZelLiveUnit&) = delete;
   ZelLiveUnit& operator=(const ZelLiveUnit&) = delete;
@@ -38,7 +40,7 @@ class ZelLiveUnit {
   // Offers `next` (its values already set) to the audio thread, which
   // plays it from its next block on. A replacement offered earlier and not
   // taken yet is freed; so is a unit put aside and not collected yet.
-  void replace(std::unique_ptr<ZelVantryUnit> next);
+  void replace(std::unique_ptr<ZelAudioUnit> next);
   // Frees the unit the audio thread put aside, if any.
   void collect();
   // Whether a replacement waits or a unit put aside waits to be freed.
@@ -52,16 +54,16 @@ class ZelLiveUnit {
   void process(const float* const* in, float* const* out, std::uint32_t frames) noexcept;
 
   // ---- No audio thread running.
-  ZelVantryUnit& playing() { return *playing_; }
+  ZelAudioUnit& playing() { return *playing_; }
 
  private:
   void takeReplacement() noexcept;
 
-  static_assert(std::atomic<ZelVantryUnit*>::is_always_lock_free);
+  static_assert(std::atomic<ZelAudioUnit*>::is_always_lock_free);
   ZelParameterMailbox mailbox_;
-  ZelVantryUnit* playing_;                        // audio thread's
-  std::atomic<ZelVantryUnit*> offered_{nullptr};  // main -> audio
-  std::atomic<ZelVantryUnit*> retired_{nullptr};  // audio -> main
+  ZelAudioUnit* playing_;                        // audio thread's
+  std::atomic<ZelAudioUnit*> offered_{nullptr};  // main -> audio
+  std::atomic<ZelAudioUnit*> retired_{nullptr};  // audio -> main
 };
 
 ZEL_DSP_NAMESPACE_END

@@ -4,27 +4,33 @@
 // the mailbox can never be full and never loses the last value; nothing
 // allocates, locks or waits on either side.
 //
-// Ownership: plain storage, no resources.
+// Ownership: owns its slots, allocated by the constructor.
 // Threading: one producer thread calls post(), one consumer thread calls
 // take(); they may run at the same time.
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
-#include "dsp/ZelVantryParameterTable.h"
+#include "dsp/ZelDspNamespace.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 
 class ZelParameterMailbox {
  public:
-  static constexpr int kCount = kZelParameterCount;
+  // One slot per pid 0..count-1 (allocates: not on the audio thread).
+  explicit ZelParameterMailbox(int count)
+      : count_(count > 0 ? count : 0),
+        values_(std::make_unique<std::atomic<float>[]>(std::size_t(count_))),
+        pending_(std::make_unique<std::atomic<bool>[]>(std::size_t(count_))) {}
+
+  int count() const noexcept { return count_; }
 
   // Producer: `value` (in the parameter's own units) is what the consumer
   // takes next for `pid`. Unknown ids are ignored.
   void post(int pid, float value) noexcept {
-    if (pid < 0 || pid >= kCount) return;
+    if (pid < 0 || pid >= count_) return;
     values_[pid].store(value, std::memory_order_relaxed);
     pending_[pid].store(true, std::memory_order_release);
     any_.store(true, std::memory_order_release);
@@ -37,7 +43,7 @@ class ZelParameterMailbox {
   int take(Apply&& apply) noexcept {
     if (!any_.exchange(false, std::memory_order_acq_rel)) return 0;
     int taken = 0;
-    for (int pid = 0; pid < kCount; ++pid) {
+    for (int pid = 0; pid < count_; ++pid) {
       if (!pending_[pid].exchange(false, std::memory_order_acq_rel)) continue;
       apply(pid, values_[pid].load(std::memory_order_relaxed));
       ++taken;
@@ -48,8 +54,9 @@ class ZelParameterMailbox {
  private:
   static_assert(std::atomic<float>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
                 "the audio thread must never take a lock");
-  std::array<std::atomic<float>, kCount> values_{};
-  std::array<std::atomic<bool>, kCount> pending_{};
+  int count_;
+  std::unique_ptr<std::atomic<float>[]> values_;
+  std::unique_ptr<std::atomic<bool>[]> pending_;
   std::atomic<bool> any_{false};
 };
 

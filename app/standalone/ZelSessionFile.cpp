@@ -19,7 +19,8 @@ ZEL_NAMESPACE_BEGIN
 
 namespace {
 
-constexpr char kFormat[] = "Vantry session";
+// "<Name> session": the product's name and the word.
+std::string formatWord() { return std::string(ZelCurrentProduct().name) + " session"; }
 constexpr std::int64_t kVersion = 1;
 constexpr std::string_view kWrite = "write";
 
@@ -75,20 +76,19 @@ std::string setAside(const std::string& path) {
 }
 
 const ZelUnitParameter* parameterNamed(std::string_view codeName) {
-  for (const ZelUnitParameter& p : kZelParameters)
-    if (codeName == p.codeName) return &p;
-  return nullptr;
+  return ZelCurrentProduct().parameter(ZelCurrentProduct().pidOfCodeName(codeName));
 }
 
 // Fills `reading` from a property list already read; false with the
 // problem set when it is not a session of ours.
 bool readState(const ZelPlist& root, ZelSessionReading& reading) {
-  if (root["format"].stringValue() != kFormat) {
-    reading.problem = "not a Vantry session (no \"format\" of \"Vantry session\")";
+  const std::string format = formatWord();
+  if (root["format"].stringValue() != format) {
+    reading.problem = "not a " + format + " (no \"format\" of \"" + format + "\")";
     return false;
   }
   if (root["version"].kind() != ZelPlist::Kind::Integer || root["version"].integerValue() != kVersion) {
-    reading.problem = "a session version this Vantry does not know";
+    reading.problem = "a session version this " + std::string(ZelCurrentProduct().name) + " does not know";
     return false;
   }
   ZelSessionState& state = reading.state;
@@ -132,13 +132,13 @@ bool readState(const ZelPlist& root, ZelSessionReading& reading) {
 
 ZelSessionState ZelSessionState::defaults() {
   ZelSessionState state;
-  for (const ZelUnitParameter& p : kZelParameters) state.values[std::size_t(p.pid)] = p.initial;
+  for (const ZelUnitParameter& p : ZelCurrentProduct().parameters) state.values[std::size_t(p.pid)] = p.initial;
   return state;
 }
 
 ZelSessionState ZelSessionState::of(const ZelStandaloneUnit& unit) {
   ZelSessionState state;
-  for (std::uint32_t pid = 0; pid < kZelParameterCount; ++pid) state.values[pid] = unit.valueInOwnUnits(pid);
+  for (std::uint32_t pid = 0; pid < state.values.size(); ++pid) state.values[pid] = unit.valueInOwnUnits(pid);
   state.presetName = unit.presetName();
   state.dark = unit.themeFlag();
   state.zoom = unit.zoom();
@@ -146,7 +146,7 @@ ZelSessionState ZelSessionState::of(const ZelStandaloneUnit& unit) {
 }
 
 void ZelSessionState::applyTo(ZelStandaloneUnit& unit) const {
-  for (std::uint32_t pid = 0; pid < kZelParameterCount; ++pid)
+  for (std::uint32_t pid = 0; pid < values.size(); ++pid)
     unit.setParameter(pid, ZelHostView::unitValueFromEditor(pid, values[pid]), nullptr);
   unit.setPresetName(presetName);
   unit.setThemeFlag(dark);
@@ -163,7 +163,7 @@ std::string ZelDefaultSessionPath() {
     if (!home || !home[0]) return {};
     folder = std::string(home) + "/.config";
   }
-  return folder + "/vantry/session.plist";
+  return folder + "/" + ZelCurrentProduct().slug + "/session.plist";
 }
 
 ZelSessionReading ZelReadSession(const std::string& path) {
@@ -191,9 +191,10 @@ ZelSessionReading ZelReadSession(const std::string& path) {
 
 bool ZelWriteSession(const std::string& path, const ZelSessionState& state, std::string& error) {
   ZelPlist::Dictionary values;
-  for (const ZelUnitParameter& p : kZelParameters) values[p.codeName] = ZelPlist::real(state.values[std::size_t(p.pid)]);
+  for (const ZelUnitParameter& p : ZelCurrentProduct().parameters)
+    if (std::size_t(p.pid) < state.values.size()) values[p.codeName] = ZelPlist::real(state.values[std::size_t(p.pid)]);
   ZelPlist::Dictionary root;
-  root["format"] = ZelPlist::string(kFormat);
+  root["format"] = ZelPlist::string(formatWord());
   root["version"] = ZelPlist::integer(kVersion);
   root["values"] = ZelPlist::dictionary(std::move(values));
   root["preset"] = ZelPlist::string(state.presetName);
@@ -257,7 +258,7 @@ bool ZelSessionKeeper::flush(bool always) {
   if (!dirty_ && !always) return true;
   std::string error;
   if (!ZelWriteSession(path_, ZelSessionState::of(unit_), error)) {
-    if (!failing_) std::fprintf(stderr, "vantry: the session is not saved: %s\n", error.c_str());
+    if (!failing_) std::fprintf(stderr, "%s: the session is not saved: %s\n", ZelCurrentProduct().slug, error.c_str());
     failing_ = true;
     return false;
   }

@@ -1,13 +1,15 @@
 // The standalone app's session: the parameter values (by code name, in
 // each parameter's own units), the preset name, the theme and the editor's
 // zoom, kept in an
-// XML property list so that a restart, or a crash, finds them again.
+// XML property list so that a restart, or a crash, finds them again. The
+// product is the current one (dsp/ZelProduct.h): its name makes the format
+// word, its slug the folder, its parameter table the values.
 //
 //   <dict>
-//     <key>format</key>  <string>Vantry session</string>
+//     <key>format</key>  <string>NAME session</string>
 //     <key>version</key> <integer>1</integer>
-//     <key>values</key>  <dict><key>LowCut</key><real>300</real> ...</dict>
-//     <key>preset</key>  <string>Underwater</string>
+//     <key>values</key>  <dict><key>Cutoff</key><real>300</real> ...</dict>
+//     <key>preset</key>  <string>Warm</string>
 //     <key>theme</key>   <string>dark</string>
 //     <key>zoom</key>    <real>1.25</real>
 //   </dict>
@@ -36,13 +38,13 @@
 #include <vector>
 
 #include "app/standalone/ZelStandaloneUnit.h"
-#include "dsp/ZelVantryParameterTable.h"
+#include "dsp/ZelProduct.h"
 #include "toolkit/foundation/ZelRunLoop.h"
 
 ZEL_NAMESPACE_BEGIN
 
 struct ZelSessionState {
-  std::array<float, kZelParameterCount> values{};  // own units, by pid
+  std::vector<float> values = std::vector<float>(ZelCurrentProduct().parameters.size());  // own units, by pid
   std::string presetName;
   bool dark = false;
   double zoom = 1.0;  // the editor's zoom, 1 to 2
@@ -64,8 +66,8 @@ struct ZelSessionReading {
   std::string setAsidePath;        // where it went (empty when it could not be moved)
 };
 
-// $XDG_CONFIG_HOME/vantry/session.plist ($HOME/.config when XDG_CONFIG_HOME
-// is unset or not absolute); empty without either.
+// $XDG_CONFIG_HOME/SLUG/session.plist ($HOME/.config when XDG_CONFIG_HOME
+// is unset or not absolute), SLUG the product's; empty without either.
 std::string ZelDefaultSessionPath();
 
 // Reads the session at `path`; a missing file gives the defaults.

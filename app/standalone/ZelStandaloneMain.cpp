@@ -1,10 +1,12 @@
-// vantry: the editor in a window of its own, behind the same host view the
-// plug-in uses, connected to the unit in this process, which plays through
-// JACK; the session (values, preset, theme) survives restarts.
+// A product's standalone app (build/bin/<slug>, built for each product by
+// zel_add_product): the editor in a window of its own, behind the same host
+// view the plug-in uses, connected to the product's unit in this process,
+// which plays through JACK; the session (values, preset, theme) survives
+// restarts.
 //
-//   vantry [window options] [--render FILE.png | --watch]
-//   vantry process IN OUT [options]   (app/process/ZelProcessCommand.h)
-//   vantry --help                     (every option, kUsage below)
+//   <slug> [window options] [--render FILE.png | --watch]
+//   <slug> process IN OUT [options]   (app/process/ZelProcessCommand.h)
+//   <slug> --help                     (every option, kUsage below)
 //
 // Without --render the editor opens in an X11 window at the screen's scale
 // (or S). --render draws the editor once its deferred steps have run and
@@ -21,6 +23,7 @@
 // Exit status: 0; 1 when the display cannot be opened or the picture not
 // written; 2 for a bad option or an unreadable description.
 #include <chrono>
+#include <cstdarg>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -37,12 +40,13 @@
 #include "app/standalone/ZelNoticeView.h"
 #include "app/standalone/ZelSessionFile.h"
 #include "app/standalone/ZelStandaloneUnit.h"
-#ifdef ZEL_VANTRY_HAVE_JACK
+#ifdef ZEL_APP_HAVE_JACK
 #include "app/standalone/ZelJackAudio.h"
 #endif
+#include "dsp/ZelProduct.h"
 #include "host/ZelHostView.h"
 #include "model/ZelConfig.h"
-#ifdef ZEL_VANTRY_HAVE_X11
+#ifdef ZEL_APP_HAVE_X11
 #include "toolkit/x11/ZelX11EventWait.h"
 #include "toolkit/x11/ZelX11WindowHost.h"
 #endif
@@ -52,6 +56,24 @@ namespace {
 using namespace zel;
 
 const auto gStart = std::chrono::steady_clock::now();
+
+// The product's texts: "{slug}" and "{Name}" in `text` become its slug and name.
+std::string named(std::string text) {
+  const ZelProduct& product = ZelCurrentProduct();
+  for (const auto& [word, name] : {std::pair<std::string, std::string>{"{slug}", product.slug}, {"{Name}", product.name}})
+    for (auto at = text.find(word); at != std::string::npos; at = text.find(word, at + name.size()))
+      text.replace(at, word.size(), name);
+  return text;
+}
+
+// One line on stderr after the program's name ("<slug>: ...").
+[[gnu::format(printf, 1, 2)]] void say(const char* format, ...) {
+  std::fprintf(stderr, "%s: ", ZelCurrentProduct().slug);
+  va_list args;
+  va_start(args, format);
+  std::vfprintf(stderr, format, args);
+  va_end(args);
+}
 
 struct Options {
   std::string config = ZelDefaultDescriptionPath();
@@ -70,11 +92,11 @@ struct Options {
 };
 
 constexpr char kUsage[] =
-    "usage: vantry [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT | --mono]\n"
+    "usage: {slug} [--config FILE] [--theme light|dark] [--scale S] [--channels IN OUT | --mono]\n"
     "              [--no-audio] [--no-connect] [--connect-in PORT]... [--connect-out PORT]...\n"
     "              [--session FILE] [--stats] [--render FILE.png | --watch]\n"
-    "       vantry process IN OUT [--preset NAME] [--set CODENAME=VALUE]... [--format wav16|wav24|float|flac]\n"
-    "       vantry --help\n";
+    "       {slug} process IN OUT [--preset NAME] [--set CODENAME=VALUE]... [--format wav16|wav24|float|flac]\n"
+    "       {slug} --help\n";
 
 constexpr char kHelp[] =
     "\n"
@@ -97,8 +119,8 @@ constexpr char kHelp[] =
     "\n"
     "Session (values, preset and theme, restored at start, written a second after\n"
     "each change and on exit; a damaged file is set aside as FILE.bad-<time>):\n"
-    "  --session FILE       default: $XDG_CONFIG_HOME/vantry/session.plist\n"
-    "                       (~/.config/vantry/session.plist)\n"
+    "  --session FILE       default: $XDG_CONFIG_HOME/{slug}/session.plist\n"
+    "                       (~/.config/{slug}/session.plist)\n"
     "\n"
     "Without a window:\n"
     "  --render FILE.png    draw the editor once its animations settled, and write it\n"
@@ -161,7 +183,7 @@ bool parse(int argc, char** argv, Options& o, std::string& error) {
 }
 
 int fail(int status, const std::string& message) {
-  std::fprintf(stderr, "vantry: %s\n", message.c_str());
+  say("%s\n", message.c_str());
   return status;
 }
 
@@ -171,7 +193,7 @@ int renderStill(const Options& o, std::unique_ptr<ZelConfig> config) {
   return 0;
 }
 
-#ifdef ZEL_VANTRY_HAVE_X11
+#ifdef ZEL_APP_HAVE_X11
 // What the app says about its sound, in a corner of the window.
 struct Notice {
   std::string text;
@@ -208,26 +230,26 @@ void reload(ZelWindow& window, ZelX11WindowHost& host, double baseScale, ZelStan
   std::string error;
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(path, error);
   if (!config) {
-    std::fprintf(stderr, "vantry: %s: %s (keeping the editor as it is)\n", path.c_str(), error.c_str());
+    say("%s: %s (keeping the editor as it is)\n", path.c_str(), error.c_str());
     return;
   }
   showEditor(window, host, baseScale, unit, std::move(config), notice);
-  std::fprintf(stderr, "vantry: reloaded %s\n", path.c_str());
+  say("reloaded %s\n", path.c_str());
 }
 
 // The session at start: restored, or the defaults with a word on stderr.
 ZelSessionState readSession(const std::string& path) {
   if (path.empty()) {
-    std::fprintf(stderr, "vantry: no HOME or XDG_CONFIG_HOME: the session is not kept (use --session FILE)\n");
+    say("no HOME or XDG_CONFIG_HOME: the session is not kept (use --session FILE)\n");
     return ZelSessionState::defaults();
   }
   ZelSessionReading reading = ZelReadSession(path);
-  for (const std::string& note : reading.notes) std::fprintf(stderr, "vantry: %s: %s\n", path.c_str(), note.c_str());
+  for (const std::string& note : reading.notes) say("%s: %s\n", path.c_str(), note.c_str());
   if (reading.outcome == ZelSessionReading::Outcome::SetAside) {
     if (reading.setAsidePath.empty())
-      std::fprintf(stderr, "vantry: %s: %s; starting from the defaults\n", path.c_str(), reading.problem.c_str());
+      say("%s: %s; starting from the defaults\n", path.c_str(), reading.problem.c_str());
     else
-      std::fprintf(stderr, "vantry: %s: %s; set aside as %s, starting from the defaults\n", path.c_str(),
+      say("%s: %s; set aside as %s, starting from the defaults\n", path.c_str(),
                    reading.problem.c_str(), reading.setAsidePath.c_str());
   }
   return reading.state;
@@ -269,7 +291,8 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
   ZelWindow window(loop, ZelHostView::kInitialSize);
   ZelX11WindowOptions options;
   options.backingScale = o.scale;
-  options.title = "Vantry";
+  options.title = ZelCurrentProduct().name;
+  options.className = ZelCurrentProduct().slug;
   std::unique_ptr<ZelX11WindowHost> host = ZelX11WindowHost::create(window, options);
   if (!host) {
     ZelRunLoop::setCurrent(nullptr);
@@ -299,7 +322,7 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
     std::unique_ptr<ZelSessionKeeper> keeper;
     if (!sessionPath.empty()) keeper = std::make_unique<ZelSessionKeeper>(loop, unit, sessionPath);
 
-#ifdef ZEL_VANTRY_HAVE_JACK
+#ifdef ZEL_APP_HAVE_JACK
     std::unique_ptr<ZelJackAudio> audio;
     if (o.audio) {
       ZelJackOptions jack;
@@ -310,22 +333,22 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
       std::string error;
       audio = ZelJackAudio::open(loop, unit, jack, error);
       if (audio) {
-        std::fprintf(stderr, "vantry: playing through JACK as %s at %.0f Hz\n", audio->clientName().c_str(),
+        say("playing through JACK as %s at %.0f Hz\n", audio->clientName().c_str(),
                      unit.sampleRate());
         audio->setShutdownHandler([&](const std::string& reason) {
-          std::fprintf(stderr, "vantry: the JACK server went away (%s); no sound until Vantry restarts\n",
-                       reason.c_str());
+          say("the JACK server went away (%s); no sound until %s restarts\n", reason.c_str(),
+              ZelCurrentProduct().name);
           notice.set("No audio (JACK server gone)");
         });
       } else {
-        std::fprintf(stderr, "vantry: no audio: %s; start a JACK server (jackd or PipeWire's JACK) and restart Vantry\n",
-                     error.c_str());
+        say("no audio: %s; start a JACK server (jackd or PipeWire's JACK) and restart %s\n", error.c_str(),
+            ZelCurrentProduct().name);
         notice.set("No audio (no JACK server)");
       }
     }
 #else
     if (o.audio) {
-      std::fprintf(stderr, "vantry: built without JACK: no sound\n");
+      say("built without JACK: no sound\n");
       notice.set("No audio (built without JACK)");
     }
 #endif
@@ -339,22 +362,21 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
     }
     host->show();
     while (!gStopRequested && host->pump()) {
-#ifdef ZEL_VANTRY_HAVE_JACK
+#ifdef ZEL_APP_HAVE_JACK
       if (audio) audio->service();
 #endif
       if (firstPaint < 0 && host->redrawCount() > 0) firstPaint = millisecondsSinceStart();
       ZelX11WaitForEvents(*host, &wake);
     }
     // The sound stops before anything it plays goes; then the session.
-#ifdef ZEL_VANTRY_HAVE_JACK
+#ifdef ZEL_APP_HAVE_JACK
     if (audio) {
       audio->close();
       if (o.stats) {
         const ZelJackStatistics st = audio->statistics();
         const double frames = st.blocks ? double(st.frames) / double(st.blocks) : 0;
         const double budget = st.sampleRate > 0 ? 1e6 * frames / st.sampleRate : 0;
-        std::fprintf(stderr,
-                     "vantry: stats: audio %llu blocks of %.0f frames on average at %.0f Hz: %.2f us mean, %.2f us max "
+        say("stats: audio %llu blocks of %.0f frames on average at %.0f Hz: %.2f us mean, %.2f us max "
                      "per block (%.2f %% of a block's %.0f us on average); %llu xruns\n",
                      static_cast<unsigned long long>(st.blocks), frames, st.sampleRate, st.meanMicroseconds,
                      st.maxMicroseconds, budget > 0 ? 100 * st.meanMicroseconds / budget : 0.0, budget,
@@ -362,7 +384,7 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
       }
     }
 #endif
-    if (keeper && !keeper->flush(true)) std::fprintf(stderr, "vantry: the last changes are not saved\n");
+    if (keeper && !keeper->flush(true)) say("the last changes are not saved\n");
     // The editor goes before the unit it is connected to.
     notice.view = nullptr;
     window.setContentView(std::make_unique<ZelView>());
@@ -371,7 +393,7 @@ int runWindow(const Options& o, std::unique_ptr<ZelConfig> config) {
   host.reset();
   ZelRunLoop::setCurrent(nullptr);
   if (o.stats)
-    std::fprintf(stderr, "vantry: stats: first frame painted %.1f ms after start; peak memory (VmHWM) %s\n", firstPaint,
+    say("stats: first frame painted %.1f ms after start; peak memory (VmHWM) %s\n", firstPaint,
                  peakMemory().c_str());
   return 0;
 }
@@ -386,11 +408,11 @@ int main(int argc, char** argv) {
   Options o;
   std::string error;
   if (!parse(argc, argv, o, error)) {
-    std::fprintf(stderr, "vantry: %s\n%s", error.c_str(), kUsage);
+    say("%s\n%s", error.c_str(), named(kUsage).c_str());
     return 2;
   }
   if (o.help) {
-    std::printf("%s%s", kUsage, kHelp);
+    std::printf("%s%s", named(kUsage).c_str(), named(kHelp).c_str());
     return 0;
   }
   std::unique_ptr<ZelConfig> config = ZelLoadDescription(o.config, error);
@@ -399,7 +421,7 @@ int main(int argc, char** argv) {
     ZelUseTheme(o.dark);
     return renderStill(o, std::move(config));
   }
-#ifdef ZEL_VANTRY_HAVE_X11
+#ifdef ZEL_APP_HAVE_X11
   return runWindow(o, std::move(config));
 #else
   return fail(1, "built without the X11 backend: use --render FILE.png");

@@ -17,16 +17,18 @@ ZelStandaloneUnit::ZelStandaloneUnit(ZelRunLoop& runLoop, std::uint32_t channels
     : runLoop_(runLoop),
       unitChannels_(channelsOut == 1 ? 1 : 2),
       sampleRate_(sampleRate),
-      live_(std::make_unique<ZelVantryUnit>(int(unitChannels_), sampleRate)),
+      live_(ZelCurrentProduct().makeUnit(int(unitChannels_), sampleRate), ZelCurrentProduct().parameterCount()),
+      product_(ZelCurrentProduct()),
+      values_(product_.parameters.size()),
       channelsIn_(channelsIn),
       channelsOut_(channelsOut) {
-  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid)
-    values_[pid] = ZelHostView::unitValueFromEditor(pid, kZelParameters[pid].initial);
+  for (const ZelUnitParameter& p : product_.parameters)
+    values_[std::size_t(p.pid)] = ZelHostView::unitValueFromEditor(std::uint32_t(p.pid), p.initial);
 }
 
-std::unique_ptr<ZelVantryUnit> ZelStandaloneUnit::makeUnit(double rate) const {
-  auto unit = std::make_unique<ZelVantryUnit>(int(unitChannels_), rate);
-  for (std::uint32_t pid = 0; pid < kParameterCount; ++pid) unit->setParameter(int(pid), valueInOwnUnits(pid));
+std::unique_ptr<ZelAudioUnit> ZelStandaloneUnit::makeUnit(double rate) const {
+  auto unit = product_.makeUnit(int(unitChannels_), rate);
+  for (std::uint32_t pid = 0; pid < values_.size(); ++pid) unit->setParameter(int(pid), valueInOwnUnits(pid));
   return unit;
 }
 
@@ -36,7 +38,7 @@ void ZelStandaloneUnit::setSampleRate(double rate) {
 }
 
 float ZelStandaloneUnit::valueInOwnUnits(std::uint32_t pid) const {
-  return pid < kParameterCount ? ZelHostView::editorValueFromUnit(pid, values_[pid]) : 0.0f;
+  return pid < values_.size() ? ZelHostView::editorValueFromUnit(pid, values_[pid]) : 0.0f;
 }
 
 void ZelStandaloneUnit::setThemeFlag(bool flag) {
@@ -60,13 +62,13 @@ void ZelStandaloneUnit::tellLater(const void* sender, std::uint32_t pid) {
 }
 
 ZelUnitStatus ZelStandaloneUnit::getParameter(std::uint32_t pid, float& value) {
-  if (pid >= kParameterCount) return kZelUnitInvalidParameter;
+  if (pid >= values_.size()) return kZelUnitInvalidParameter;
   value = values_[pid];
   return kZelUnitNoErr;
 }
 
 ZelUnitStatus ZelStandaloneUnit::setParameter(std::uint32_t pid, float value, const void* sender) {
-  if (pid >= kParameterCount || std::isnan(value)) return kZelUnitInvalidParameter;
+  if (pid >= values_.size() || std::isnan(value)) return kZelUnitInvalidParameter;
   const bool differs = values_[pid] != value;
   values_[pid] = value;
   live_.post(static_cast<int>(pid), valueInOwnUnits(pid));
@@ -76,14 +78,14 @@ ZelUnitStatus ZelStandaloneUnit::setParameter(std::uint32_t pid, float value, co
 }
 
 ZelUnitStatus ZelStandaloneUnit::notifyListeners(std::uint32_t pid, const void* sender) {
-  if (pid >= kParameterCount) return kZelUnitInvalidParameter;
+  if (pid >= values_.size()) return kZelUnitInvalidParameter;
   tellLater(sender, pid);
   return kZelUnitNoErr;
 }
 
 ZelUnitStatus ZelStandaloneUnit::postGesture(ZelUnitGesture, std::uint32_t pid, const void*) {
   // No automation to record in the standalone app.
-  return pid < kParameterCount ? kZelUnitNoErr : kZelUnitInvalidParameter;
+  return pid < values_.size() ? kZelUnitNoErr : kZelUnitInvalidParameter;
 }
 
 ZelUnitStatus ZelStandaloneUnit::setInterfacePreference(bool flag) {

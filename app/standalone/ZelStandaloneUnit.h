@@ -21,9 +21,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/standalone/ZelLiveUnit.h"
-#include "products/vantry/unit/ZelVantryUnit.h"
+#include "dsp/ZelProduct.h"
 #include "host/ZelUnitConnection.h"
 #include "host/ZelUnitListeners.h"
 #include "toolkit/foundation/ZelRunLoop.h"
@@ -32,8 +33,8 @@ ZEL_NAMESPACE_BEGIN
 
 class ZelStandaloneUnit final : public ZelListeningUnitConnection {
  public:
-  static constexpr std::uint32_t kParameterCount = kZelParameterCount;
-
+  // The current product's unit (dsp/ZelProduct.h), for channelsOut
+  // channels (1, else 2).
   ZelStandaloneUnit(ZelRunLoop& runLoop, std::uint32_t channelsIn, std::uint32_t channelsOut,
                     double sampleRate = 48000);
   ~ZelStandaloneUnit() override;
@@ -73,14 +74,15 @@ class ZelStandaloneUnit final : public ZelListeningUnitConnection {
   // Posts the value of `pid` to every listener of it.
   void tellLater(const void* sender, std::uint32_t pid);
   void changed();
-  std::unique_ptr<ZelVantryUnit> makeUnit(double rate) const;
+  std::unique_ptr<ZelAudioUnit> makeUnit(double rate) const;
 
   ZelRunLoop& runLoop_;
   std::uint32_t unitChannels_;
   double sampleRate_;
   ZelLiveUnit live_;
   std::function<void()> changeHandler_;
-  std::array<float, kParameterCount> values_{};  // unit representation
+  const ZelProduct& product_;
+  std::vector<float> values_;  // unit representation, by pid
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   bool themeFlag_ = false;

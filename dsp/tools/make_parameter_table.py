@@ -74,6 +74,16 @@ def hq_mults(metadata):
     return sorted(rows)
 
 
+def product_tag(metadata):
+    prefix = metadata.get("classPrefix", "")
+    if not re.fullmatch(r"[A-Za-z][A-Za-z0-9]*", prefix):
+        fail(f"classPrefix {prefix!r} is not a C++ name")
+    version = metadata.get("versionInteger")
+    if not isinstance(version, int) or version < 0:
+        fail(f"versionInteger {version!r} is not a whole number")
+    return f"{prefix}_{version}"
+
+
 def header(description, source):
     params = parameters(description)
     metadata = description.get("metadata", {})
@@ -82,30 +92,19 @@ def header(description, source):
     w(f"// Generated from {source} by dsp/tools/make_parameter_table.py: do not edit.")
     w("#pragma once")
     w("")
-    w("#include <cstdint>")
+    w('#include "dsp/ZelUnitParameter.h"')
     w("")
-    w("#ifndef ZEL_ABI_TAG")
-    w(f"#define ZEL_ABI_TAG {metadata.get('classPrefix', 'Zel')}_{metadata.get('versionInteger', 0)}")
-    w("#endif")
-    w("#define ZEL_DSP_NAMESPACE_BEGIN namespace zel { inline namespace ZEL_ABI_TAG {")
-    w("#define ZEL_DSP_NAMESPACE_END } }")
+    w("// The product's own code lives in an inline namespace of its own, named")
+    w("// after its class prefix and version, inside the editor's.")
+    w(f"#define ZEL_PRODUCT_TAG {product_tag(metadata)}")
+    w("#define ZEL_PRODUCT_NAMESPACE_BEGIN namespace zel { inline namespace ZEL_ABI_TAG { inline namespace ZEL_PRODUCT_TAG {")
+    w("#define ZEL_PRODUCT_NAMESPACE_END } } }")
     w("")
-    w("ZEL_DSP_NAMESPACE_BEGIN")
+    w("ZEL_PRODUCT_NAMESPACE_BEGIN")
     w("")
-    w("// How a value travels between the unit and the editor.")
-    w("enum class ZelParameterKind : std::uint8_t { Switch, Plain, Frequency, WholeNumber };")
-    w("")
-    w("struct ZelUnitParameter {")
-    w("  int pid;")
-    w("  const char* codeName;")
-    w("  const char* name;")
-    w("  const char* unit;  // the description's unit word")
-    w("  float minimum, maximum, initial;")
-    w("  ZelParameterKind kind;")
-    w("  bool logarithmic;")
-    w("  const char* const* stringValues;  // names of the values minimum, minimum + 1, ...")
-    w("  int stringValueCount;")
-    w("};")
+    w("// The description's metadata that the build and the generic sides use.")
+    for key in ("pluginURLSlug", "pluginName", "classPrefix", "version"):
+        w(f"inline constexpr char kZelProduct{key[0].upper() + key[1:]}[] = {c_string(str(metadata.get(key, '')))};")
     w("")
     w(f"inline constexpr int kZelParameterCount = {len(params)};")
     w("")
@@ -131,10 +130,6 @@ def header(description, source):
     w("};")
     w("")
     w("// Oversampling factors of the high-quality mode, by sample rate.")
-    w("struct ZelHQMult {")
-    w("  double sampleRate;")
-    w("  int factor;")
-    w("};")
     rows = hq_mults(metadata)
     w(f"inline constexpr int kZelHQMultCount = {len(rows)};")
     body = ", ".join(f"{{{rate:.1f}, {factor}}}" for rate, factor in rows) or "{0.0, 1}"
@@ -148,7 +143,7 @@ def header(description, source):
     w("  return 1;")
     w("}")
     w("")
-    w("ZEL_DSP_NAMESPACE_END")
+    w("ZEL_PRODUCT_NAMESPACE_END")
     return "\n".join(out) + "\n"
 
 
@@ -166,7 +161,7 @@ def main(argv):
         print(__doc__.strip().splitlines()[2].strip(), file=sys.stderr)
         return 2
     description = read_description(argv[1])
-    text = header(description, "resources/" + argv[1].rsplit("/", 1)[-1])
+    text = header(description, "/".join(argv[1].rsplit("/", 3)[-3:]))
     try:
         with open(argv[2]) as f:
             if f.read() == text:

@@ -1,6 +1,8 @@
-// The LV2 plug-in: the audio unit behind a host's ports, for the stereo and
-// the mono plug-in of the bundle (lv2/common/ZelVantryURIs.h has the port
-// layout and the patch messages the editor and the plug-in exchange).
+// The LV2 plug-in: a product's audio unit behind a host's ports, for each
+// plug-in (channel layout) of its bundle. The product is the one this
+// library was linked with (dsp/ZelProduct.h: its unit, parameter table,
+// URIs and port layout); lv2/common/ZelLV2Protocol.h tells the patch
+// messages the editor and the plug-in exchange.
 //
 // Threading: run() is the audio thread's and is real-time safe (no
 // allocation, lock, wait or I/O); instantiate, activate, cleanup and the
@@ -16,6 +18,7 @@
 #include <lv2/state/state.h>
 #include <lv2/urid/urid.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstddef>
@@ -24,26 +27,26 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <vector>
 
-#include "products/vantry/unit/ZelVantryUnit.h"
-#include "lv2/common/ZelVantryURIs.h"
+#include "dsp/ZelProduct.h"
+#include "lv2/common/ZelLV2Protocol.h"
 
 namespace {
 
-namespace ids = zel_vantry_lv2;
-using zel::kZelParameterCount;
-using zel::kZelParameters;
+namespace ids = zel_lv2;
+using zel::ZelCurrentProduct;
 using zel::ZelParameterKind;
-using zel::ZelVantryUnit;
-
-static_assert(kZelParameterCount == int(ids::kControlPortCount), "one control port per parameter");
+using zel::ZelProduct;
+using zel::ZelProductLV2;
+using zel::ZelAudioUnit;
+using zel::ZelUnitParameter;
 
 constexpr std::uint32_t kMaxChannels = 2;
 
 // The value of an on/off port as the unit wants it: LV2 calls anything
 // above zero "on".
-bool isToggle(int pid) {
-  const auto& p = kZelParameters[pid];
+bool isToggle(const ZelUnitParameter& p) {
   return p.kind == ZelParameterKind::Switch ||
          (p.kind == ZelParameterKind::WholeNumber && p.minimum == 0 && p.maximum == 1);
 }
@@ -53,7 +56,7 @@ struct URIDs {
   LV2_URID patchSet, patchGet, patchProperty, patchValue;
   LV2_URID presetName, theme, themeToggle, zoom, channelsIn, channelsOut;
 
-  explicit URIDs(const LV2_URID_Map& m) {
+  URIDs(const LV2_URID_Map& m, const ZelProductLV2& ids) {
     const auto map = [&](const char* uri) { return m.map(m.handle, uri); };
     atomBlank = map(LV2_ATOM__Blank);
     atomObject = map(LV2_ATOM__Object);
@@ -66,12 +69,12 @@ struct URIDs {
     patchGet = map(LV2_PATCH__Get);
     patchProperty = map(LV2_PATCH__property);
     patchValue = map(LV2_PATCH__value);
-    presetName = map(ids::kPresetName);
-    theme = map(ids::kTheme);
-    themeToggle = map(ids::kThemeToggle);
-    zoom = map(ids::kZoom);
-    channelsIn = map(ids::kChannelsIn);
-    channelsOut = map(ids::kChannelsOut);
+    presetName = map(ids.presetNameKey);
+    theme = map(ids.themeKey);
+    themeToggle = map(ids.themeToggleKey);
+    zoom = map(ids.zoomKey);
+    channelsIn = map(ids.channelsInKey);
+    channelsOut = map(ids.channelsOutKey);
   }
 };
 
@@ -172,47 +175,57 @@ bool readURID(const URIDs& u, const LV2_Atom* atom, LV2_URID& out) {
 
 class Plugin {
  public:
-  Plugin(int channels, double rate, const LV2_URID_Map& map)
-      : unit_(channels, rate), uris_(map), channels_(std::uint32_t(channels)) {
+  // Allocates (the unit, the port tables): never on the audio thread.
+  Plugin(const ZelProduct& product, int channels, double rate, const LV2_URID_Map& map)
+      : ports_(product.lv2),
+        unit_(product.makeUnit(channels, rate)),
+        uris_(map, product.lv2),
+        channels_(std::uint32_t(channels)),
+        controls_(ports_.controlPortCount, nullptr),
+        last_(ports_.controlPortCount, NAN),
+        toggles_(ports_.controlPortCount, 0) {
     LV2_URID_Map m = map;
     lv2_atom_forge_init(&forge_, &m);
-    for (float& v : last_) v = NAN;
+    for (const ZelUnitParameter& p : product.parameters)
+      if (std::uint32_t(p.pid) < ports_.controlPortCount) toggles_[std::size_t(p.pid)] = isToggle(p);
   }
 
   void connect(std::uint32_t port, void* data) {
-    if (port < ids::kControlPortCount) {
+    const std::uint32_t audio = ports_.firstAudioPort;
+    if (port < ports_.controlPortCount) {
       controls_[port] = static_cast<const float*>(data);
-    } else if (port == ids::kLatencyPort) {
+    } else if (port == ports_.latencyPort) {
       latency_ = static_cast<float*>(data);
-    } else if (port == ids::kControlAtomPort) {
+    } else if (port == ports_.controlAtomPort) {
       control_ = static_cast<const LV2_Atom_Sequence*>(data);
-    } else if (port == ids::kNotifyAtomPort) {
+    } else if (port == ports_.notifyAtomPort) {
       notify_ = static_cast<LV2_Atom_Sequence*>(data);
-    } else if (port >= ids::kFirstAudioPort && port < ids::kFirstAudioPort + channels_) {
-      in_[port - ids::kFirstAudioPort] = static_cast<const float*>(data);
-    } else if (port >= ids::kFirstAudioPort + channels_ && port < ids::kFirstAudioPort + 2 * channels_) {
-      out_[port - ids::kFirstAudioPort - channels_] = static_cast<float*>(data);
+    } else if (port >= audio && port < audio + channels_) {
+      in_[port - audio] = static_cast<const float*>(data);
+    } else if (port >= audio + channels_ && port < audio + 2 * channels_) {
+      out_[port - audio - channels_] = static_cast<float*>(data);
     }
   }
 
-  void activate() { unit_.reset(); }
+  void activate() { unit_->reset(); }
 
   void run(std::uint32_t frames) {
     readMessages();
-    for (int pid = 0; pid < kZelParameterCount; ++pid) {
-      if (!controls_[pid]) continue;
-      float v = *controls_[pid];
+    const int count = int(controls_.size());
+    for (int pid = 0; pid < count; ++pid) {
+      if (!controls_[std::size_t(pid)]) continue;
+      float v = *controls_[std::size_t(pid)];
       if (std::isnan(v)) continue;
-      if (isToggle(pid)) v = v > 0 ? 1.0f : 0.0f;
-      if (v != last_[pid]) {
-        unit_.setParameter(pid, v);
-        last_[pid] = v;
+      if (toggles_[std::size_t(pid)]) v = v > 0 ? 1.0f : 0.0f;
+      if (v != last_[std::size_t(pid)]) {
+        unit_->setParameter(pid, v);
+        last_[std::size_t(pid)] = v;
       }
     }
     bool connected = true;
     for (std::uint32_t c = 0; c < channels_; ++c) connected = connected && in_[c] && out_[c];
-    if (connected && frames > 0) unit_.process(in_, out_, frames);
-    if (latency_) *latency_ = float(unit_.latency());
+    if (connected && frames > 0) unit_->process(in_, out_, frames);
+    if (latency_) *latency_ = float(unit_->latency());
     writeMessages();
   }
 
@@ -363,13 +376,15 @@ class Plugin {
     lv2_atom_forge_pop(&forge_, &sequence);
   }
 
-  ZelVantryUnit unit_;
+  const ZelProductLV2& ports_;
+  std::unique_ptr<ZelAudioUnit> unit_;
   URIDs uris_;
   LV2_Atom_Forge forge_{};
   std::uint32_t channels_;
 
-  const float* controls_[ids::kControlPortCount] = {};
-  float last_[ids::kControlPortCount];
+  std::vector<const float*> controls_;  // by pid; sized once, never resized
+  std::vector<float> last_;
+  std::vector<char> toggles_;
   float* latency_ = nullptr;
   const LV2_Atom_Sequence* control_ = nullptr;
   LV2_Atom_Sequence* notify_ = nullptr;
@@ -382,8 +397,9 @@ class Plugin {
   std::atomic<std::uint32_t> owed_{0};
 };
 
-template <int Channels>
-LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const* features) {
+LV2_Handle instantiate(const LV2_Descriptor* descriptor, double rate, const char*,
+                       const LV2_Feature* const* features) {
+  const ZelProduct& product = ZelCurrentProduct();
   const LV2_URID_Map* map = nullptr;
   LV2_Log_Log* log = nullptr;
   for (const LV2_Feature* const* f = features; f && *f; ++f) {
@@ -394,17 +410,26 @@ LV2_Handle instantiate(const LV2_Descriptor*, double rate, const char*, const LV
   LV2_Log_Logger logger;
   lv2_log_logger_init(&logger, const_cast<LV2_URID_Map*>(map && map->map ? map : nullptr), log);
   if (!map || !map->map) {
-    lv2_log_error(&logger, "Vantry: the host does not offer urid:map\n");
+    lv2_log_error(&logger, "%s: the host does not offer urid:map\n", product.name);
     return nullptr;
   }
-  if (!(rate >= ZelVantryUnit::kMinSampleRate && rate <= ZelVantryUnit::kMaxSampleRate)) {
-    lv2_log_error(&logger, "Vantry: sample rate %g Hz is outside 8000 to 384000 Hz\n", rate);
+  if (!(rate >= product.minSampleRate && rate <= product.maxSampleRate)) {
+    lv2_log_error(&logger, "%s: sample rate %g Hz is outside %g to %g Hz\n", product.name, rate,
+                  product.minSampleRate, product.maxSampleRate);
+    return nullptr;
+  }
+  int channels = 0;
+  for (const zel::ZelProductVariant& v : product.variants)
+    if (descriptor && descriptor->URI && std::strcmp(descriptor->URI, v.uri) == 0) channels = v.channels;
+  if (channels < 1 || std::uint32_t(channels) > kMaxChannels || !product.makeUnit) {
+    lv2_log_error(&logger, "%s: no plug-in %s in this library\n", product.name,
+                  descriptor && descriptor->URI ? descriptor->URI : "(none)");
     return nullptr;
   }
   try {
-    return new Plugin(Channels, rate, *map);
+    return new Plugin(product, channels, rate, *map);
   } catch (const std::exception& e) {
-    lv2_log_error(&logger, "Vantry: cannot start: %s\n", e.what());
+    lv2_log_error(&logger, "%s: cannot start: %s\n", product.name, e.what());
     return nullptr;
   }
 }
@@ -431,13 +456,23 @@ const void* extensionData(const char* uri) {
   return uri && std::strcmp(uri, LV2_STATE__interface) == 0 ? &state : nullptr;
 }
 
-const LV2_Descriptor kDescriptors[] = {
-    {ids::kStereoURI, instantiate<2>, connectPort, activate, run, nullptr, cleanup, extensionData},
-    {ids::kMonoURI, instantiate<1>, connectPort, activate, run, nullptr, cleanup, extensionData},
+// One descriptor per plug-in of the product, in its order (the widest first).
+constexpr std::size_t kMaxVariants = 4;
+struct Descriptors {
+  LV2_Descriptor list[kMaxVariants];
+  std::size_t count = 0;
+
+  Descriptors() {
+    for (const zel::ZelProductVariant& v : ZelCurrentProduct().variants) {
+      if (count == kMaxVariants) break;
+      list[count++] = {v.uri, instantiate, connectPort, activate, run, nullptr, cleanup, extensionData};
+    }
+  }
 };
 
 }  // namespace
 
 extern "C" LV2_SYMBOL_EXPORT const LV2_Descriptor* lv2_descriptor(std::uint32_t index) {
-  return index < sizeof(kDescriptors) / sizeof(kDescriptors[0]) ? &kDescriptors[index] : nullptr;
+  static const Descriptors descriptors;
+  return index < descriptors.count ? &descriptors.list[index] : nullptr;
 }

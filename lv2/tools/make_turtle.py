@@ -1,13 +1,18 @@
 #!/usr/bin/python3
-"""Writes the LV2 bundle's Turtle files from the description.
+"""Writes a product's LV2 bundle's Turtle files and its URI header from its description.
 
-    make_turtle.py CONFIG.plist VERSION OUTDIR
+    make_turtle.py CONFIG.plist OUTDIR [--header OUT.h] [--no-ui]
 
-VERSION is the project's MAJOR.MINOR.MICRO; OUTDIR receives manifest.ttl,
-vantry.ttl (the stereo and mono plug-ins), vantry_ui.ttl (the editor) and
-presets.ttl (every factory preset, for both plug-ins). The parameters are
-read the way the unit's parameter table reads them (dsp/tools), so ports
-0-11 are the unit's pids in order.
+OUTDIR receives manifest.ttl, SLUG.ttl (one plug-in per channel layout),
+SLUG_ui.ttl (the editor) and presets.ttl (every factory preset, for every
+plug-in), SLUG being the metadata's pluginURLSlug. The header names the
+same URIs and the port layout for C++ (lv2/common/ZelLV2Protocol.h tells
+what travels on the ports). The parameters are read the way the unit's
+parameter table reads them (dsp/tools), so ports 0..N-1 are the unit's pids
+in order. Everything named comes from the metadata: pluginURLSlug (the URIs,
+the file names), pluginName, tagline, version, channelLayouts (the
+plug-ins: "2-2" a stereo one, "1-1" a mono one). With --no-ui the bundle
+announces no editor (a build without the X11 editor).
 """
 
 import os
@@ -17,18 +22,61 @@ import sys
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "dsp", "tools"))
 import make_parameter_table as table  # noqa: E402
 
-BASE = "https://www.zel-audio.example/plugins/vantry"
-PRESET_BASE = "https://www.zel-audio.example/plugins/vantry/presets"
-HOMEPAGE = "https://www.zel-audio.example/"
-DSP_BINARY = "vantry_dsp.so"
-UI_BINARY = "vantry_ui.so"
+# The maker's web site (as editor/ZelGenericUI.h's kMakerWebSite): every
+# product's URIs live under it.
+MAKER_SITE = "https://www.zel-audio.example"
+HOMEPAGE = MAKER_SITE + "/"
 
-# Must agree with lv2/common/ZelVantryURIs.h.
-LATENCY_PORT = 12
-CONTROL_ATOM_PORT = 13
-NOTIFY_ATOM_PORT = 14
-FIRST_AUDIO_PORT = 15
-CONTROL_PORT_COUNT = 12
+
+class Product:
+    """The names a product's bundle is made of, from its metadata."""
+
+    def __init__(self, metadata, params, has_ui=True):
+        self.has_ui = has_ui
+        self.slug = metadata.get("pluginURLSlug", "")
+        if not re.fullmatch(r"[a-z][a-z0-9-]*", self.slug):
+            fail(f"pluginURLSlug {self.slug!r} is not a lower-case word (letters, digits, '-')")
+        self.name = metadata.get("pluginName") or fail("the metadata has no pluginName")
+        self.tagline = metadata.get("tagline", "")
+        self.version = metadata.get("version", "")
+        self.base = f"{MAKER_SITE}/plugins/{self.slug}"
+        self.preset_base = self.base + "/presets"
+        self.prefix = self.slug.replace("-", "_")
+        self.dsp_binary = f"{self.slug}_dsp.so"
+        self.ui_binary = f"{self.slug}_ui.so"
+        self.plugin_ttl = f"{self.slug}.ttl"
+        self.ui_ttl = f"{self.slug}_ui.ttl"
+        self.variants = variants(metadata.get("channelLayouts", ""))
+        # The port layout: the controls, then the latency, control, notify and audio ports.
+        self.control_ports = len(params)
+        self.latency_port = len(params)
+        self.control_atom_port = len(params) + 1
+        self.notify_atom_port = len(params) + 2
+        self.first_audio_port = len(params) + 3
+
+    def prefixes(self):
+        return PREFIXES + f"@prefix {self.prefix}: <{self.base}#> .\n"
+
+
+# The plug-in of each channel layout: (fragment, name suffix, channels with their designations).
+LAYOUTS = {
+    "2-2": ("stereo", "Stereo", [("left", "Left", "pg:left"), ("right", "Right", "pg:right")]),
+    "1-1": ("mono", "Mono", [("", "", "pg:center")]),
+}
+
+
+def variants(layouts):
+    """The plug-ins of the metadata's channelLayouts ("1-1, 2-2"), the widest first."""
+    words = [w.strip() for w in str(layouts).split(",") if w.strip()]
+    if not words:
+        fail("the metadata's channelLayouts names no layout (1-1 for mono, 2-2 for stereo)")
+    for w in words:
+        if w not in LAYOUTS:
+            fail(f"channelLayouts: {w!r} is not a layout the plug-in offers (1-1 or 2-2)")
+    if len(set(words)) != len(words):
+        fail(f"channelLayouts: {layouts!r} names a layout twice")
+    return [LAYOUTS[w] for w in sorted(words, key=lambda w: -len(LAYOUTS[w][2]))]
+
 
 PREFIXES = """\
 @prefix atom:  <http://lv2plug.in/ns/ext/atom#> .
@@ -46,14 +94,7 @@ PREFIXES = """\
 @prefix ui:    <http://lv2plug.in/ns/extensions/ui#> .
 @prefix units: <http://lv2plug.in/ns/extensions/units#> .
 @prefix urid:  <http://lv2plug.in/ns/ext/urid#> .
-@prefix vantry: <""" + BASE + """#> .
 """
-
-# The two plug-ins: (fragment, channel names with their designations, name suffix).
-PLUGINS = [
-    ("stereo", "Stereo", [("left", "Left", "pg:left"), ("right", "Right", "pg:right")]),
-    ("mono", "Mono", [("", "", "pg:center")]),
-]
 
 PROPERTIES = [
     ("presetName", "preset name", "atom:String", "The name of the preset last chosen, kept in the state."),
@@ -68,7 +109,7 @@ UNITS = {
     "Percent": "units:pc",
     "Decibels": "units:db",
     "Hertz": "units:hz",
-    "DecibelsPerOctave": "vantry:dBPerOctave",
+    "DecibelsPerOctave": "{prefix}:dBPerOctave",  # a unit of our own, declared in the plug-in's file
 }
 
 
@@ -109,7 +150,7 @@ def is_toggle(p):
     return p.get("minValue") == 0 and p.get("maxValue") == 1 and (p.get("unit") == "Boolean" or len(names) == 2)
 
 
-def control_port(p):
+def control_port(product, p):
     pid = p["pid"]
     lines = [
         "a lv2:InputPort , lv2:ControlPort",
@@ -123,7 +164,7 @@ def control_port(p):
     unit = p.get("unit", "")
     names = p.get("stringValues") or []
     props = []
-    if pid == 0:
+    if pid == 0 and unit == "Boolean":
         # The host's bypass: 0 turns the unit's power off (it crossfades).
         lines.append("lv2:designation lv2:enabled")
     if is_toggle(p):
@@ -141,7 +182,7 @@ def control_port(p):
     if props:
         lines.append("lv2:portProperty " + " , ".join(props))
     if unit in UNITS:
-        lines.append(f"units:unit {UNITS[unit]}")
+        lines.append(f"units:unit {UNITS[unit].format(prefix=product.prefix)}")
     if names and not (pid == 0):
         points = []
         for i, n in enumerate(names):
@@ -150,13 +191,14 @@ def control_port(p):
     return "[\n\t\t" + " ;\n\t\t".join(lines) + "\n\t]"
 
 
-def plugin_turtle(params, fragment, suffix, channels, version):
-    minor, micro = version_numbers(version)
-    uri = f"vantry:{fragment}"
-    ports = [control_port(p) for p in params]
+def plugin_turtle(product, params, fragment, suffix, channels, first):
+    minor, micro = version_numbers(product.version)
+    P = product.prefix
+    uri = f"{P}:{fragment}"
+    ports = [control_port(product, p) for p in params]
     ports.append(
         "[\n\t\ta lv2:OutputPort , lv2:ControlPort ;\n"
-        f"\t\tlv2:index {LATENCY_PORT} ;\n"
+        f"\t\tlv2:index {product.latency_port} ;\n"
         '\t\tlv2:symbol "latency" ;\n'
         '\t\tlv2:name "Latency" ;\n'
         "\t\tlv2:designation lv2:latency ;\n"
@@ -164,7 +206,7 @@ def plugin_turtle(params, fragment, suffix, channels, version):
         "\t\tunits:unit units:frame\n\t]")
     ports.append(
         "[\n\t\ta lv2:InputPort , atom:AtomPort ;\n"
-        f"\t\tlv2:index {CONTROL_ATOM_PORT} ;\n"
+        f"\t\tlv2:index {product.control_atom_port} ;\n"
         '\t\tlv2:symbol "control" ;\n'
         '\t\tlv2:name "Control" ;\n'
         "\t\tatom:bufferType atom:Sequence ;\n"
@@ -172,13 +214,13 @@ def plugin_turtle(params, fragment, suffix, channels, version):
         "\t\tlv2:designation lv2:control\n\t]")
     ports.append(
         "[\n\t\ta lv2:OutputPort , atom:AtomPort ;\n"
-        f"\t\tlv2:index {NOTIFY_ATOM_PORT} ;\n"
+        f"\t\tlv2:index {product.notify_atom_port} ;\n"
         '\t\tlv2:symbol "notify" ;\n'
         '\t\tlv2:name "Notify" ;\n'
         "\t\tatom:bufferType atom:Sequence ;\n"
         "\t\tatom:supports patch:Message ;\n"
         "\t\tlv2:designation lv2:control\n\t]")
-    index = FIRST_AUDIO_PORT
+    index = product.first_audio_port
     for direction, group in (("Input", "In"), ("Output", "Out")):
         for key, label, designation in channels:
             symbol = ("in" if direction == "Input" else "out") + (f"_{key[0]}" if key else "")
@@ -188,62 +230,65 @@ def plugin_turtle(params, fragment, suffix, channels, version):
                 f"\t\tlv2:index {index} ;\n"
                 f"\t\tlv2:symbol {literal(symbol)} ;\n"
                 f"\t\tlv2:name {literal(name)} ;\n"
-                f"\t\tpg:group vantry:{fragment}{group} ;\n"
+                f"\t\tpg:group {P}:{fragment}{group} ;\n"
                 f"\t\tlv2:designation {designation}\n\t]")
             index += 1
     group_class = "pg:StereoGroup" if len(channels) == 2 else "pg:MonoGroup"
     out = []
     w = out.append
-    w(f"vantry:{fragment}In\n\ta {group_class} , pg:InputGroup ;\n"
+    w(f"{P}:{fragment}In\n\ta {group_class} , pg:InputGroup ;\n"
       '\tlv2:symbol "in" ;\n\trdfs:label "Input" .\n')
-    w(f"vantry:{fragment}Out\n\ta {group_class} , pg:OutputGroup ;\n"
+    w(f"{P}:{fragment}Out\n\ta {group_class} , pg:OutputGroup ;\n"
       '\tlv2:symbol "out" ;\n\trdfs:label "Output" ;\n'
-      f"\tpg:source vantry:{fragment}In .\n")
-    name = "Vantry" if fragment == "stereo" else f"Vantry {suffix}"
+      f"\tpg:source {P}:{fragment}In .\n")
+    name = product.name if first else f"{product.name} {suffix}"
     w(f"{uri}\n"
       "\ta lv2:Plugin , lv2:FilterPlugin ;\n"
       f"\tdoap:name {literal(name)} ;\n"
-      f"\trdfs:comment {literal('Band limiting and degradation (' + suffix.lower() + ').')} ;\n"
+      f"\trdfs:comment {literal(product.tagline + ' (' + suffix.lower() + ').')} ;\n"
       "\tdoap:license <https://opensource.org/licenses/ISC> ;\n"
-      f"\tlv2:project vantry:project ;\n"
+      f"\tlv2:project {P}:project ;\n"
       f"\tlv2:minorVersion {minor} ;\n"
       f"\tlv2:microVersion {micro} ;\n"
       "\tlv2:requiredFeature urid:map ;\n"
       "\tlv2:optionalFeature lv2:hardRTCapable , log:log ;\n"
       "\tlv2:extensionData state:interface ;\n"
-      "\tui:ui vantry:ui ;\n"
-      f"\tpg:mainInput vantry:{fragment}In ;\n"
-      f"\tpg:mainOutput vantry:{fragment}Out ;\n"
+      + (f"\tui:ui {P}:ui ;\n" if product.has_ui else "") +
+      f"\tpg:mainInput {P}:{fragment}In ;\n"
+      f"\tpg:mainOutput {P}:{fragment}Out ;\n"
       "\tlv2:port " + " , ".join(ports) + " .\n")
     return "\n".join(out)
 
 
-def vantry_turtle(params, version):
-    out = [PREFIXES]
+def plugins_turtle(product, params):
+    P = product.prefix
+    out = [product.prefixes()]
     # The maintainer belongs to the project (doap:maintainer's domain); hosts
     # read it from there through lv2:project.
-    out.append("vantry:project\n\ta doap:Project ;\n\tdoap:name \"Vantry\" ;\n"
+    out.append(f"{P}:project\n\ta doap:Project ;\n\tdoap:name {literal(product.name)} ;\n"
                "\tdoap:license <https://opensource.org/licenses/ISC> ;\n"
                "\tdoap:maintainer [\n\t\tfoaf:name \"Zel Audio\" ;\n"
                f"\t\tfoaf:homepage <{HOMEPAGE}>\n\t] ;\n"
                f"\tdoap:homepage <{HOMEPAGE}> .\n")
     # The properties of the plug-in's own state and of its messages to the editor.
     for name, label, rng, comment in PROPERTIES:
-        out.append(f"vantry:{name}\n\ta rdf:Property ;\n\trdfs:label {literal(label)} ;\n"
+        out.append(f"{P}:{name}\n\ta rdf:Property ;\n\trdfs:label {literal(label)} ;\n"
                    f"\trdfs:range {rng} ;\n\trdfs:comment {literal(comment)} .\n")
-    out.append("vantry:dBPerOctave\n\ta units:Unit ;\n\trdfs:label \"decibels per octave\" ;\n"
-               "\tunits:symbol \"dB/oct\" ;\n\tunits:render \"%.0f dB/oct\" .\n")
-    for fragment, suffix, channels in PLUGINS:
-        out.append(plugin_turtle(params, fragment, suffix, channels, version))
+    if any(p.get("unit") == "DecibelsPerOctave" for p in params):
+        out.append(f"{P}:dBPerOctave\n\ta units:Unit ;\n\trdfs:label \"decibels per octave\" ;\n"
+                   "\tunits:symbol \"dB/oct\" ;\n\tunits:render \"%.0f dB/oct\" .\n")
+    for i, (fragment, suffix, channels) in enumerate(product.variants):
+        out.append(plugin_turtle(product, params, fragment, suffix, channels, i == 0))
     return "\n".join(out)
 
 
-def ui_turtle():
+def ui_turtle(product):
+    P = product.prefix
     notes = []
-    for fragment, _, _ in PLUGINS:
-        notes.append(f"[\n\t\tui:plugin vantry:{fragment} ;\n\t\tlv2:symbol \"notify\" ;\n"
+    for fragment, _, _ in product.variants:
+        notes.append(f"[\n\t\tui:plugin {P}:{fragment} ;\n\t\tlv2:symbol \"notify\" ;\n"
                      "\t\tui:protocol atom:eventTransfer\n\t]")
-    return (PREFIXES + "\nvantry:ui\n\ta ui:X11UI ;\n"
+    return (product.prefixes() + f"\n{P}:ui\n\ta ui:X11UI ;\n"
             "\tlv2:requiredFeature ui:parent , urid:map ;\n"
             "\tlv2:optionalFeature ui:resize , ui:touch , ui:idleInterface ;\n"
             "\tlv2:extensionData ui:idleInterface ;\n"
@@ -288,26 +333,27 @@ def presets(description, params):
     return found, banks
 
 
-def preset_uri(fragment, name):
-    return f"<{PRESET_BASE}#{fragment}-{slug(name)}>"
+def preset_uri(product, fragment, name):
+    return f"<{product.preset_base}#{fragment}-{slug(name)}>"
 
 
-def bank_uri(name):
-    return f"<{PRESET_BASE}#bank-{slug(name)}>"
+def bank_uri(product, name):
+    return f"<{product.preset_base}#bank-{slug(name)}>"
 
 
-def presets_turtle(found, banks):
-    out = [PREFIXES]
+def presets_turtle(product, found, banks):
+    P = product.prefix
+    out = [product.prefixes()]
     bank_of = {}
     for bank, ids in banks:
-        out.append(f"{bank_uri(bank)}\n\ta pset:Bank ;\n\trdfs:label {literal(bank)} .\n")
+        out.append(f"{bank_uri(product, bank)}\n\ta pset:Bank ;\n\trdfs:label {literal(bank)} .\n")
         for i in ids:
-            bank_of.setdefault(i, []).append(bank_uri(bank))
-    for fragment, _, _ in PLUGINS:
+            bank_of.setdefault(i, []).append(bank_uri(product, bank))
+    for fragment, _, _ in product.variants:
         for i, (name, ports) in enumerate(found):
             lines = [
                 "a pset:Preset",
-                f"lv2:appliesTo vantry:{fragment}",
+                f"lv2:appliesTo {P}:{fragment}",
                 f"rdfs:label {literal(name)}",
             ]
             if i in bank_of:
@@ -315,22 +361,64 @@ def presets_turtle(found, banks):
             entries = [f"[\n\t\tlv2:symbol {literal(code)} ;\n\t\tpset:value {number(value)}\n\t]"
                        for _, code, value in ports]
             lines.append("lv2:port " + " , ".join(entries))
-            lines.append(f"state:state [\n\t\tvantry:presetName {literal(name)}\n\t]")
-            out.append(preset_uri(fragment, name) + "\n\t" + " ;\n\t".join(lines) + " .\n")
+            lines.append(f"state:state [\n\t\t{P}:presetName {literal(name)}\n\t]")
+            out.append(preset_uri(product, fragment, name) + "\n\t" + " ;\n\t".join(lines) + " .\n")
     return "\n".join(out)
 
 
-def manifest_turtle(found):
-    out = [PREFIXES]
-    for fragment, _, _ in PLUGINS:
-        out.append(f"vantry:{fragment}\n\ta lv2:Plugin ;\n\tlv2:binary <{DSP_BINARY}> ;\n"
-                   "\trdfs:seeAlso <vantry.ttl> .\n")
-    out.append(f"vantry:ui\n\ta ui:X11UI ;\n\tui:binary <{UI_BINARY}> ;\n\trdfs:seeAlso <vantry_ui.ttl> .\n")
-    for fragment, _, _ in PLUGINS:
+def manifest_turtle(product, found):
+    P = product.prefix
+    out = [product.prefixes()]
+    for fragment, _, _ in product.variants:
+        out.append(f"{P}:{fragment}\n\ta lv2:Plugin ;\n\tlv2:binary <{product.dsp_binary}> ;\n"
+                   f"\trdfs:seeAlso <{product.plugin_ttl}> .\n")
+    if product.has_ui:
+        out.append(f"{P}:ui\n\ta ui:X11UI ;\n\tui:binary <{product.ui_binary}> ;\n"
+                   f"\trdfs:seeAlso <{product.ui_ttl}> .\n")
+    for fragment, _, _ in product.variants:
         for name, _ in found:
-            out.append(f"{preset_uri(fragment, name)}\n\ta pset:Preset ;\n\tlv2:appliesTo vantry:{fragment} ;\n"
+            out.append(f"{preset_uri(product, fragment, name)}\n\ta pset:Preset ;\n\tlv2:appliesTo {P}:{fragment} ;\n"
                        "\trdfs:seeAlso <presets.ttl> .\n")
     return "\n".join(out)
+
+
+def c_string(text):
+    return '"' + text.replace("\\", "\\\\").replace('"', '\\"') + '"'
+
+
+def uris_header(product, source):
+    """The same URIs and port layout for C++, in namespace zel_<slug>_lv2."""
+    ns = "zel_" + product.prefix + "_lv2"
+    out = [f"// Generated from {source} by lv2/tools/make_turtle.py: do not edit.",
+           "// The URIs, state keys and port layout of the product's LV2 plug-ins and",
+           "// editor (lv2/common/ZelLV2Protocol.h tells what travels on the ports).",
+           "#pragma once", "", "#include <cstdint>", "", '#include "lv2/common/ZelLV2Protocol.h"', "",
+           f"namespace {ns} {{", "",
+           "using zel_lv2::kMaxPresetNameBytes;", "using zel_lv2::kMaxZoomPercent;", "using zel_lv2::kMinZoomPercent;", "",
+           f"inline constexpr char kPluginURIPrefix[] = {c_string(product.base)};"]
+    for fragment, suffix, _ in product.variants:
+        out.append(f"inline constexpr char k{suffix}URI[] = {c_string(product.base + '#' + fragment)};")
+    out.append(f"inline constexpr char kUIURI[] = {c_string(product.base + '#ui')};")
+    out.append("")
+    out.append("// The plug-ins, the widest first.")
+    out.append(f"inline constexpr int kVariantCount = {len(product.variants)};")
+    out.append("inline constexpr const char* kVariantURIs[kVariantCount] = {"
+               + ", ".join(f"k{suffix}URI" for _, suffix, _ in product.variants) + "};")
+    out.append("inline constexpr int kVariantChannels[kVariantCount] = {"
+               + ", ".join(str(len(ch)) for _, _, ch in product.variants) + "};")
+    out.append("")
+    for name, key in (("kPresetName", "presetName"), ("kTheme", "theme"), ("kThemeToggle", "themeToggle"),
+                      ("kZoom", "zoom"), ("kChannelsIn", "channelsIn"), ("kChannelsOut", "channelsOut")):
+        out.append(f"inline constexpr char {name}[] = {c_string(product.base + '#' + key)};")
+    out.append("")
+    out.append(f"inline constexpr std::uint32_t kControlPortCount = {product.control_ports};  // parameter ids in order")
+    out.append(f"inline constexpr std::uint32_t kLatencyPort = {product.latency_port};")
+    out.append(f"inline constexpr std::uint32_t kControlAtomPort = {product.control_atom_port};")
+    out.append(f"inline constexpr std::uint32_t kNotifyAtomPort = {product.notify_atom_port};")
+    out.append(f"inline constexpr std::uint32_t kFirstAudioPort = {product.first_audio_port};  // inputs, then outputs")
+    out.append("")
+    out.append(f"}}  // namespace {ns}")
+    return "\n".join(out) + "\n"
 
 
 def write_if_changed(path, text):
@@ -345,19 +433,34 @@ def write_if_changed(path, text):
 
 
 def main(argv):
-    if len(argv) != 4:
+    args = argv[1:]
+    has_ui = "--no-ui" not in args
+    args = [a for a in args if a != "--no-ui"]
+    header = None
+    if "--header" in args:
+        i = args.index("--header")
+        if i + 1 >= len(args):
+            fail("--header needs a file")
+        header = args[i + 1]
+        del args[i:i + 2]
+    if len(args) != 2:
         print(__doc__.strip().splitlines()[2].strip(), file=sys.stderr)
         return 2
-    description = table.read_description(argv[1], fail)
+    config, outdir = args
+    description = table.read_description(config, fail)
     params = table.parameters(description)
-    if len(params) != CONTROL_PORT_COUNT:
-        fail(f"{len(params)} parameters, but the port layout has {CONTROL_PORT_COUNT} control ports")
+    product = Product(description.get("metadata", {}), params, has_ui)
+    version_numbers(product.version)
     found, banks = presets(description, params)
-    os.makedirs(argv[3], exist_ok=True)
-    write_if_changed(os.path.join(argv[3], "manifest.ttl"), manifest_turtle(found))
-    write_if_changed(os.path.join(argv[3], "vantry.ttl"), vantry_turtle(params, argv[2]))
-    write_if_changed(os.path.join(argv[3], "vantry_ui.ttl"), ui_turtle())
-    write_if_changed(os.path.join(argv[3], "presets.ttl"), presets_turtle(found, banks))
+    os.makedirs(outdir, exist_ok=True)
+    write_if_changed(os.path.join(outdir, "manifest.ttl"), manifest_turtle(product, found))
+    write_if_changed(os.path.join(outdir, product.plugin_ttl), plugins_turtle(product, params))
+    if has_ui:
+        write_if_changed(os.path.join(outdir, product.ui_ttl), ui_turtle(product))
+    write_if_changed(os.path.join(outdir, "presets.ttl"), presets_turtle(product, found, banks))
+    if header:
+        os.makedirs(os.path.dirname(os.path.abspath(header)), exist_ok=True)
+        write_if_changed(header, uris_header(product, "/".join(config.rsplit("/", 3)[-3:])))
     return 0
 
 

@@ -8,18 +8,18 @@
 #include <lv2/atom/forge.h>
 #include <lv2/patch/patch.h>
 
-#include "dsp/ZelVantryParameterTable.h"
 #include "host/ZelHostView.h"
+#include "lv2/common/ZelLV2Protocol.h"
 
 ZEL_NAMESPACE_BEGIN
 
 namespace {
 
-using namespace zel_vantry_lv2;
-
+using namespace zel_lv2;
 
 bool isFrequency(std::uint32_t pid) {
-  return pid < kControlPortCount && kZelParameters[pid].kind == ZelParameterKind::Frequency;
+  const ZelUnitParameter* p = ZelCurrentProduct().parameter(int(pid));
+  return p && p->kind == ZelParameterKind::Frequency;
 }
 
 }  // namespace
@@ -36,29 +36,36 @@ float ZelLV2Connection::portValueFromUnit(std::uint32_t pid, float x) {
 
 ZelLV2Connection::ZelLV2Connection(LV2UI_Write_Function write, LV2UI_Controller controller, LV2_URID_Map* map,
                                    const LV2UI_Touch* touch, std::uint32_t channels)
-    : write_(write), controller_(controller), touch_(touch), channelsIn_(channels), channelsOut_(channels) {
+    : write_(write),
+      controller_(controller),
+      touch_(touch),
+      ports_(ZelCurrentProduct().lv2),
+      values_(ports_.controlPortCount),
+      channelsIn_(channels),
+      channelsOut_(channels) {
   auto m = [map](const char* uri) { return map->map(map->handle, uri); };
   urids_ = {m(LV2_ATOM__eventTransfer), m(LV2_ATOM__Object), m(LV2_ATOM__URID),  m(LV2_ATOM__String),
             m(LV2_ATOM__Int),           m(LV2_ATOM__Bool),   m(LV2_PATCH__Set),  m(LV2_PATCH__Get),
-            m(LV2_PATCH__property),     m(LV2_PATCH__value), m(kPresetName),     m(kTheme),
-            m(kThemeToggle),            m(kZoom),            m(kChannelsIn),    m(kChannelsOut)};
+            m(LV2_PATCH__property),     m(LV2_PATCH__value), m(ports_.presetNameKey),
+            m(ports_.themeKey),         m(ports_.themeToggleKey), m(ports_.zoomKey),
+            m(ports_.channelsInKey),    m(ports_.channelsOutKey)};
   lv2_atom_forge_init(&forge_, map);
-  for (std::uint32_t pid = 0; pid < kControlPortCount; ++pid)
-    values_[pid] = unitValueFromPort(pid, kZelParameters[pid].initial);
+  for (const ZelUnitParameter& p : ZelCurrentProduct().parameters)
+    if (std::size_t(p.pid) < values_.size()) values_[std::size_t(p.pid)] = unitValueFromPort(std::uint32_t(p.pid), p.initial);
 }
 
 // ---- From the host.
 
 void ZelLV2Connection::portEvent(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
   if (!buffer) return;
-  if (port < kControlPortCount) {
+  if (port < values_.size()) {
     if (format != 0 || size != sizeof(float)) return;
     float hz;
     std::memcpy(&hz, buffer, sizeof hz);
     if (!std::isfinite(hz)) return;
     values_[port] = unitValueFromPort(port, hz);
     tell(nullptr, port);
-  } else if (port == kNotifyAtomPort && format == urids_.atomEventTransfer) {
+  } else if (port == ports_.notifyAtomPort && format == urids_.atomEventTransfer) {
     receiveAtom(static_cast<const LV2_Atom*>(buffer), size);
   }
 }
@@ -116,7 +123,7 @@ void ZelLV2Connection::receiveProperty(LV2_URID key, const LV2_Atom* value) {
 // ---- To the host.
 
 void ZelLV2Connection::writeAtom(const void* atom, std::uint32_t size) {
-  write_(controller_, kControlAtomPort, size, urids_.atomEventTransfer, atom);
+  write_(controller_, ports_.controlAtomPort, size, urids_.atomEventTransfer, atom);
 }
 
 template <typename Forge>
@@ -165,18 +172,19 @@ void ZelLV2Connection::tell(const void* sender, std::uint32_t pid) { listeners_.
 // ---- ZelUnitConnection.
 
 ZelUnitStatus ZelLV2Connection::getParameter(std::uint32_t pid, float& value) {
-  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  if (pid >= values_.size()) return kZelUnitInvalidParameter;
   value = values_[pid];
   return kZelUnitNoErr;
 }
 
 ZelUnitStatus ZelLV2Connection::setParameter(std::uint32_t pid, float value, const void* sender) {
-  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  if (pid >= values_.size()) return kZelUnitInvalidParameter;
   if (!std::isfinite(value)) return kZelUnitInvalidParameter;
   const bool changed = value != values_[pid];
   values_[pid] = value;
   if (changed) {
-    const float port = std::clamp(portValueFromUnit(pid, value), kZelParameters[pid].minimum, kZelParameters[pid].maximum);
+    const ZelUnitParameter& p = ZelCurrentProduct().parameters[pid];
+    const float port = std::clamp(portValueFromUnit(pid, value), p.minimum, p.maximum);
     write_(controller_, pid, sizeof(float), 0, &port);
   }
   tell(sender, pid);
@@ -184,14 +192,14 @@ ZelUnitStatus ZelLV2Connection::setParameter(std::uint32_t pid, float value, con
 }
 
 ZelUnitStatus ZelLV2Connection::notifyListeners(std::uint32_t pid, const void* sender) {
-  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  if (pid >= values_.size()) return kZelUnitInvalidParameter;
   tell(sender, pid);
   return kZelUnitNoErr;
 }
 
 ZelUnitStatus ZelLV2Connection::postGesture(ZelUnitGesture gesture, std::uint32_t pid, const void* sender) {
   (void)sender;
-  if (pid >= kControlPortCount) return kZelUnitInvalidParameter;
+  if (pid >= values_.size()) return kZelUnitInvalidParameter;
   if (touch_ && touch_->touch) touch_->touch(touch_->handle, pid, gesture == ZelUnitGesture::Begin);
   return kZelUnitNoErr;
 }

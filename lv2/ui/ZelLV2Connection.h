@@ -9,8 +9,9 @@
 // start-up synchronisation writes nothing; listeners hear every change, the
 // sender's own included, as soon as it is made.
 //
-// The private properties travel as patch messages on the atom ports (see
-// lv2/common/ZelVantryURIs.h): the theme toggle and the preset name go to
+// The ports and URIs are the current product's (dsp/ZelProduct.h). The
+// private properties travel as patch messages on the atom ports (see
+// lv2/common/ZelLV2Protocol.h): the theme toggle and the preset name go to
 // the plug-in; its answers (preset name, remembered theme, channel counts)
 // arrive through portEvent and are handed to the observer.
 //
@@ -35,7 +36,7 @@
 
 #include "host/ZelUnitConnection.h"
 #include "host/ZelUnitListeners.h"
-#include "lv2/common/ZelVantryURIs.h"
+#include "dsp/ZelProduct.h"
 
 ZEL_NAMESPACE_BEGIN
 
@@ -100,7 +101,8 @@ class ZelLV2Connection final : public ZelListeningUnitConnection {
   const LV2UI_Touch* touch_;
   URIDs urids_{};
   LV2_Atom_Forge forge_{};  // initialised once; each message forges into its own buffer
-  std::array<float, zel_vantry_lv2::kControlPortCount> values_{};  // unit representation
+  const ZelProductLV2& ports_;
+  std::vector<float> values_;  // unit representation, by pid
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   double zoom_ = 1.0;

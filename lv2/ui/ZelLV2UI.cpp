@@ -1,4 +1,5 @@
-// The LV2 UI: the editor in an X11 window embedded in the host's parent,
+// The LV2 UI: the editor of the product this library was linked with
+// (dsp/ZelProduct.h) in an X11 window embedded in the host's parent,
 // behind the host view and a connection that reaches the plug-in only
 // through the host. The host's idle call pumps our own X connection without
 // blocking.
@@ -17,7 +18,6 @@
 #include <lv2/urid/urid.h>
 
 #include "host/ZelHostView.h"
-#include "lv2/common/ZelVantryURIs.h"
 #include "lv2/ui/ZelLV2Connection.h"
 #include "theme/ZelUITheme.h"
 #include "toolkit/core/ZelWindow.h"
@@ -28,8 +28,6 @@
 ZEL_NAMESPACE_BEGIN
 
 namespace {
-
-using namespace zel_vantry_lv2;
 
 struct Features {
   LV2_URID_Map* map = nullptr;
@@ -68,11 +66,11 @@ struct Features {
   }
 };
 
-class ZelVantryUI {
+class ZelLV2UI {
  public:
-  static ZelVantryUI* create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
+  static ZelLV2UI* create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
                              LV2UI_Controller controller, LV2UI_Widget* widget, const LV2_Feature* const* features);
-  ~ZelVantryUI();
+  ~ZelLV2UI();
 
   void portEvent(std::uint32_t port, std::uint32_t size, std::uint32_t format, const void* buffer) {
     connection_->portEvent(port, size, format, buffer);
@@ -81,7 +79,7 @@ class ZelVantryUI {
   int idle() { return host_->pump() ? 0 : 1; }
 
  private:
-  ZelVantryUI() = default;
+  ZelLV2UI() = default;
   void log(std::string_view line) const;
   void applyRememberedTheme(bool toggled);
   void applyZoom(double zoom);
@@ -96,7 +94,7 @@ class ZelVantryUI {
   double baseScale_ = 1;         // the host's scale (or the screen's), before the user's zoom
 };
 
-void ZelVantryUI::log(std::string_view line) const {
+void ZelLV2UI::log(std::string_view line) const {
   if (features_.log && features_.map) {
     const LV2_URID error = features_.map->map(features_.map->handle, LV2_LOG__Error);
     features_.log->printf(features_.log->handle, error, "%.*s", static_cast<int>(line.size()), line.data());
@@ -108,14 +106,14 @@ void ZelVantryUI::log(std::string_view line) const {
 // The plug-in remembers how many times the theme was toggled (modulo 2)
 // from the light one; the theme is the process's, so it changes only when
 // it differs.
-void ZelVantryUI::applyRememberedTheme(bool toggled) {
+void ZelLV2UI::applyRememberedTheme(bool toggled) {
   const bool dark = ZelUITheme::theme() == ZelUITheme::dark();
   if (dark != toggled) ZelUITheme::toggleThemeForWindow(window_.get());
 }
 
 // The user's zoom multiplies the host's scale: the window is drawn at the
 // product and asks the host for its new size.
-void ZelVantryUI::applyZoom(double zoom) {
+void ZelLV2UI::applyZoom(double zoom) {
   const double scale = baseScale_ * zoom;
   if (host_->backingScale() != scale) host_->setBackingScale(scale);
   const LV2UI_Resize* resize = features_.resize;
@@ -124,17 +122,21 @@ void ZelVantryUI::applyZoom(double zoom) {
                       static_cast<int>(ZelHostView::kInitialSize.height * scale + 0.5));
 }
 
-ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
+ZelLV2UI* ZelLV2UI::create(const char* pluginURI, const char* bundlePath, LV2UI_Write_Function write,
                                  LV2UI_Controller controller, LV2UI_Widget* widget,
                                  const LV2_Feature* const* features) {
-  std::unique_ptr<ZelVantryUI> ui(new ZelVantryUI());
+  std::unique_ptr<ZelLV2UI> ui(new ZelLV2UI());
   ui->features_ = Features(features);
   const Features& f = ui->features_;
   if (!f.map || !f.parent || !write || !widget) {
-    ui->log("Vantry: the host offers no ui:parent or urid:map; the editor cannot open\n");
+    ui->log(std::string(ZelCurrentProduct().name) + ": the host offers no ui:parent or urid:map; the editor cannot open\n");
     return nullptr;
   }
-  const bool mono = pluginURI && !std::strcmp(pluginURI, kMonoURI);
+  // The plug-in's channel count, by its URI (the widest when it is not ours).
+  const ZelProduct& product = ZelCurrentProduct();
+  int channels = product.variants.empty() ? 2 : product.variants.front().channels;
+  for (const ZelProductVariant& v : product.variants)
+    if (pluginURI && !std::strcmp(pluginURI, v.uri)) channels = v.channels;
   std::string resources = bundlePath && *bundlePath ? bundlePath : ".";
   if (resources.back() != '/') resources += '/';  // hosts give the bundle path with or without one
   resources += "resources";
@@ -147,14 +149,14 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   options.backingScale = f.scaleFactor();
   ui->host_ = ZelX11WindowHost::create(*ui->window_, options);
   if (!ui->host_) {
-    ui->log("Vantry: cannot open the X display; the editor cannot open\n");
+    ui->log(std::string(product.name) + ": cannot open the X display; the editor cannot open\n");
     return nullptr;
   }
   ui->baseScale_ = ui->host_->backingScale();
-  ui->connection_ = std::make_unique<ZelLV2Connection>(write, controller, f.map, f.touch, mono ? 1 : 2);
+  ui->connection_ = std::make_unique<ZelLV2Connection>(write, controller, f.map, f.touch, std::uint32_t(channels));
 
   auto view = std::make_unique<ZelHostView>(*ui->loop_, resources);
-  ZelVantryUI* self = ui.get();
+  ZelLV2UI* self = ui.get();
   view->setLogSink([self](std::string_view line) { self->log(line); });
   ui->view_ = view.get();
   ui->window_->setContentView(std::move(view));
@@ -176,7 +178,7 @@ ZelVantryUI* ZelVantryUI::create(const char* pluginURI, const char* bundlePath, 
   return ui.release();
 }
 
-ZelVantryUI::~ZelVantryUI() {
+ZelLV2UI::~ZelLV2UI() {
   // The view goes first (it lets go of the connection), then the X window
   // host (its cairo surfaces before its own X connection), then the window.
   if (window_) window_->setContentView(std::make_unique<ZelView>());
@@ -192,19 +194,19 @@ LV2UI_Handle instantiate(const LV2UI_Descriptor*, const char* pluginURI, const c
                          LV2UI_Write_Function write, LV2UI_Controller controller, LV2UI_Widget* widget,
                          const LV2_Feature* const* features) {
   try {
-    return ZelVantryUI::create(pluginURI, bundlePath, write, controller, widget, features);
+    return ZelLV2UI::create(pluginURI, bundlePath, write, controller, widget, features);
   } catch (...) {
     return nullptr;
   }
 }
 
-void cleanup(LV2UI_Handle handle) { delete static_cast<ZelVantryUI*>(handle); }
+void cleanup(LV2UI_Handle handle) { delete static_cast<ZelLV2UI*>(handle); }
 
 void portEvent(LV2UI_Handle handle, uint32_t port, uint32_t size, uint32_t format, const void* buffer) {
-  static_cast<ZelVantryUI*>(handle)->portEvent(port, size, format, buffer);
+  static_cast<ZelLV2UI*>(handle)->portEvent(port, size, format, buffer);
 }
 
-int idle(LV2UI_Handle handle) { return static_cast<ZelVantryUI*>(handle)->idle(); }
+int idle(LV2UI_Handle handle) { return static_cast<ZelLV2UI*>(handle)->idle(); }
 
 const void* extensionData(const char* uri) {
   static const LV2UI_Idle_Interface idleInterface = {idle};
@@ -212,12 +214,15 @@ const void* extensionData(const char* uri) {
   return nullptr;
 }
 
-const LV2UI_Descriptor kDescriptor = {kUIURI, instantiate, cleanup, portEvent, extensionData};
+const LV2UI_Descriptor* descriptor() {
+  static const LV2UI_Descriptor d = {ZelCurrentProduct().lv2.uiURI, instantiate, cleanup, portEvent, extensionData};
+  return &d;
+}
 
 }  // namespace
 
 ZEL_NAMESPACE_END
 
 extern "C" LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index) {
-  return index == 0 ? &zel::kDescriptor : nullptr;
+  return index == 0 ? zel::descriptor() : nullptr;
 }

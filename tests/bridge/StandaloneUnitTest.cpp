@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/standalone/ZelStandaloneUnit.h"
+#include "dsp/ZelVantryParameterTable.h"
 #include "host/ZelHostView.h"
 #include "model/ZelConfig.h"
 #include "toolkit/core/ZelPlatformWindow.h"
@@ -30,7 +31,7 @@ struct Fixture {
     ZelRunVirtualTime(loop, clock, 0.2);
   }
   // One block on the audio side: what was posted reaches the unit.
-  ZelVantryUnit& playOneBlock() {
+  ZelAudioUnit& playOneBlock() {
     const float* in[1] = {&sample};
     float* out[1] = {&sample};
     unit.live().process(in, out, 1);

@@ -16,5 +16,5 @@ endif()
 find_package(Python3 COMPONENTS Interpreter)
 if(Python3_Interpreter_FOUND)
   add_test(NAME describe.config-matches-generator
-    COMMAND ${Python3_EXECUTABLE} ${ZEL_PRODUCT_DIR}/tools/make_config.py --check)
+    COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/products/vantry/tools/make_config.py --check)
 endif()

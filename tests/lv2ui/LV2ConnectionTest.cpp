@@ -13,6 +13,7 @@
 #include <lv2/patch/patch.h>
 
 #include "host/ZelHostView.h"
+#include "lv2/common/ZelVantryURIs.h"
 #include "lv2/ui/ZelLV2Connection.h"
 
 namespace {

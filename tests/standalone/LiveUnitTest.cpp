@@ -10,6 +10,7 @@
 #include "app/standalone/ZelLiveUnit.h"
 #include "app/standalone/ZelStandaloneUnit.h"
 #include "host/ZelHostView.h"
+#include "products/vantry/unit/ZelVantryUnit.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ struct Block {
 };
 
 TEST(ParameterMailbox, TakesTheLatestValueOfEachParameterOnce) {
-  ZelParameterMailbox mailbox;
+  ZelParameterMailbox mailbox(kZelParameterCount);
   mailbox.post(kPidLowCut, 300);
   mailbox.post(kPidLowCut, 700);
   mailbox.post(kPidMode, 2);
@@ -40,7 +41,7 @@ TEST(ParameterMailbox, TakesTheLatestValueOfEachParameterOnce) {
 }
 
 TEST(ParameterMailbox, AConsumerRacingTheProducerEndsWithTheLastValue) {
-  ZelParameterMailbox mailbox;
+  ZelParameterMailbox mailbox(kZelParameterCount);
   constexpr int kPosts = 200000;
   std::atomic<bool> done{false};
   float seen = -1;
@@ -62,7 +63,7 @@ TEST(ParameterMailbox, AConsumerRacingTheProducerEndsWithTheLastValue) {
 }
 
 TEST(LiveUnit, PostedValuesReachTheUnitAtTheNextBlock) {
-  ZelLiveUnit live(std::make_unique<ZelVantryUnit>(2, 48000));
+  ZelLiveUnit live(std::make_unique<ZelVantryUnit>(2, 48000), kZelParameterCount);
   Block block;
   live.post(kPidLowCut, 300);
   live.post(kPidLowCut, 1200);
@@ -78,7 +79,7 @@ TEST(LiveUnit, PostedValuesReachTheUnitAtTheNextBlock) {
 }
 
 TEST(LiveUnit, AReplacementIsPlayedFromTheNextBlockAndTheOldUnitFreedByTheMainThread) {
-  ZelLiveUnit live(std::make_unique<ZelVantryUnit>(2, 48000));
+  ZelLiveUnit live(std::make_unique<ZelVantryUnit>(2, 48000), kZelParameterCount);
   Block block;
   // Two offers before a block: only the later one plays.
   live.replace(std::make_unique<ZelVantryUnit>(2, 44100));
@@ -102,7 +103,7 @@ TEST(LiveUnit, AReplacementIsPlayedFromTheNextBlockAndTheOldUnitFreedByTheMainTh
 }
 
 TEST(LiveUnit, TheAudioPathNeverAllocatesLocksOrWaits) {
-  ZelLiveUnit live(std::make_unique<ZelVantryUnit>(2, 48000));
+  ZelLiveUnit live(std::make_unique<ZelVantryUnit>(2, 48000), kZelParameterCount);
   live.replace(std::make_unique<ZelVantryUnit>(2, 48000));
   Block small(64), large(ZelVantryUnit::kMaxBlock * 2 + 17);
   std::uint32_t seed = 5;

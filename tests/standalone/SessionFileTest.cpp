@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "app/standalone/ZelSessionFile.h"
+#include "dsp/ZelVantryParameterTable.h"
 #include "host/ZelHostView.h"
 
 namespace {

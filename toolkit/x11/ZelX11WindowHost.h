@@ -47,8 +47,8 @@ struct ZelX11WindowOptions {
   // Pixels per point; 0 takes it from the screen's Xft.dpi.
   double backingScale = 0;
   // Top-level windows: the title and the WM_CLASS name.
-  std::string title = "Vantry";
-  std::string className = "vantry";
+  std::string title = "Zel";
+  std::string className = "zel";
   // The window's text machinery; null makes one (bundle icon font).
   std::shared_ptr<ZelCairoText> text;
 };

@@ -5,7 +5,7 @@
 
 #include "theme/ZelUITheme.h"
 
-ZEL_NAMESPACE_BEGIN
+ZEL_PRODUCT_NAMESPACE_BEGIN
 
 namespace {
 
@@ -134,4 +134,4 @@ void ZelVantryParameterSketch::getFrameForParameterValues(std::span<const float>
   updatePath(curve_, true, graphPointsY_.data(), kGraphPoints);
 }
 
-ZEL_NAMESPACE_END
+ZEL_PRODUCT_NAMESPACE_END

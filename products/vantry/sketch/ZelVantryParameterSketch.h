@@ -17,9 +17,10 @@
 #include <cstddef>
 #include <span>
 
+#include "dsp/ZelVantryParameterTable.h"
 #include "sketch/ZelParameterSketch.h"
 
-ZEL_NAMESPACE_BEGIN
+ZEL_PRODUCT_NAMESPACE_BEGIN
 
 class ZelVantryParameterSketch : public ZelParameterSketch {
  public:
@@ -75,4 +76,4 @@ class ZelVantryParameterSketch : public ZelParameterSketch {
   bool drawn_ = false;  // graphPointsY_ holds a curve
 };
 
-ZEL_NAMESPACE_END
+ZEL_PRODUCT_NAMESPACE_END

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-ZEL_DSP_NAMESPACE_BEGIN
+ZEL_PRODUCT_NAMESPACE_BEGIN
 
 namespace {
 
@@ -399,4 +399,4 @@ void ZelVantryEngine::filter(Lane& lane, float* x, int n) const {
   for (int i = 0; i < n; ++i) x[i] = float(buffer[i]);
 }
 
-ZEL_DSP_NAMESPACE_END
+ZEL_PRODUCT_NAMESPACE_END

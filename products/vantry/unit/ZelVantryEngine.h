@@ -25,7 +25,7 @@
 #include "dsp/ZelStateVariableSection.h"
 #include "dsp/ZelVantryParameterTable.h"
 
-ZEL_DSP_NAMESPACE_BEGIN
+ZEL_PRODUCT_NAMESPACE_BEGIN
 
 class ZelVantryEngine {
  public:
@@ -119,4 +119,4 @@ class ZelVantryEngine {
   float work_[ZelOversampler::kMaxFactor * kMaxSubBlock] = {};
 };
 
-ZEL_DSP_NAMESPACE_END
+ZEL_PRODUCT_NAMESPACE_END

@@ -6,7 +6,7 @@
 #include "dsp/ZelDenormals.h"
 #include "products/vantry/unit/ZelVantryEngine.h"
 
-ZEL_DSP_NAMESPACE_BEGIN
+ZEL_PRODUCT_NAMESPACE_BEGIN
 
 namespace {
 
@@ -59,4 +59,4 @@ std::uint32_t ZelVantryUnit::latency() const { return std::uint32_t(engine_->lat
 
 int ZelVantryUnit::hqFactor() const { return engine_->hqFactor(); }
 
-ZEL_DSP_NAMESPACE_END
+ZEL_PRODUCT_NAMESPACE_END
