@@ -1,54 +1,35 @@
-// Tollhum's parameters as the unit sees them: ids, ranges and defaults of
-// products/tollhum/config.plist (a test holds the two together), and the
+// Tollhum's parameters as the unit sees them (ids, ranges and defaults of
+// products/tollhum/config.plist, through the generated table) and the
 // intervals of each Chord.
 // Threading: constants only.
 #pragma once
 
-#include <array>
-
-#include "dsp/ZelRamp.h"
+#include "dsp/ZelTollhumParameterTable.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
 
 namespace tollhum {
 
-// Parameter ids (pids), as param::Note.
+// Parameter ids (pids), as param::Note, and their ranges: the table the
+// build generates from products/tollhum/config.plist.
 namespace param {
 enum : int {
-  Power = 0,
-  Note = 1,
-  Fine = 2,
-  Chord = 3,
-  Decay = 4,
-  Tone = 5,
-  Mix = 6,
-  Output = 7,
-  InputCut = 8,
-  Detune = 9,
-  Width = 10,
+  Power = kPidMasterOnOff,
+  Note = kPidNote,
+  Fine = kPidFine,
+  Chord = kPidChord,
+  Decay = kPidDecay,
+  Tone = kPidTone,
+  Mix = kPidMix,
+  Output = kPidOutput,
+  InputCut = kPidInputCut,
+  Detune = kPidDetune,
+  Width = kPidWidth,
 };
 }  // namespace param
 
-inline constexpr int kParameterCount = 11;
-
-struct ParameterRange {
-  const char* codeName;
-  float minimum, maximum, initial;
-};
-
-inline constexpr std::array<ParameterRange, kParameterCount> kParameters{{
-    {"MasterOnOff", 0, 1, 1},
-    {"Note", 24, 96, 48},
-    {"Fine", -50, 50, 0},
-    {"Chord", 0, 5, 1},
-    {"Decay", 0.1f, 20, 1.5f},
-    {"Tone", 0, 100, 60},
-    {"Mix", 0, 100, 35},
-    {"Output", -24, 12, 0},
-    {"InputCut", 20, 2000, 80},
-    {"Detune", 0, 30, 3},
-    {"Width", 0, 100, 100},
-}};
+inline constexpr int kParameterCount = kZelParameterCount;
+inline constexpr const auto& kParameters = kZelParameters;
 
 // Four strings per channel.
 inline constexpr int kStrings = 4;

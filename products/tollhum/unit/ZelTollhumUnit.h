@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "dsp/ZelAudioUnit.h"
 #include "dsp/ZelRamp.h"
 #include "dsp/ZelStateVariableSection.h"
 #include "products/tollhum/unit/ZelTollhumMeter.h"
@@ -30,7 +31,7 @@
 
 ZEL_DSP_NAMESPACE_BEGIN
 
-class ZelTollhumUnit {
+class ZelTollhumUnit final : public ZelAudioUnit {
  public:
   static constexpr std::uint32_t kMaxBlock = 8192;
   static constexpr double kMinSampleRate = 8000, kMaxSampleRate = 384000;
@@ -39,27 +40,27 @@ class ZelTollhumUnit {
   // `channels` is 1 or 2 (anything else is taken as 2); the rate is clamped
   // to [8 kHz, 384 kHz]. Parameters start at their defaults.
   ZelTollhumUnit(int channels, double sampleRate);
-  ~ZelTollhumUnit();
+  ~ZelTollhumUnit() override;
   ZelTollhumUnit(const ZelTollhumUnit&) = delete;
   ZelTollhumUnit& operator=(const ZelTollhumUnit&) = delete;
 
-  int channels() const { return channels_; }
-  double sampleRate() const { return sampleRate_; }
+  int channels() const override { return channels_; }
+  double sampleRate() const override { return sampleRate_; }
   // Rebuilds the processing for another rate and clears it (allocates).
-  void setSampleRate(double sampleRate);
+  void setSampleRate(double sampleRate) override;
 
   // Clamped to the parameter's range; NaN and unknown ids are ignored.
-  void setParameter(int pid, float value);
-  float parameter(int pid) const;
+  void setParameter(int pid, float value) override;
+  float parameter(int pid) const override;
 
   // Silences the strings, the filters and the meter, and ends every glide.
-  void reset();
+  void reset() override;
 
   // `in` and `out` hold channels() pointers to `frames` samples each; out
   // may be the same memory as in. Non-finite input is treated as silence.
-  void process(const float* const* in, float* const* out, std::uint32_t frames);
+  void process(const float* const* in, float* const* out, std::uint32_t frames) override;
 
-  std::uint32_t latency() const { return 0; }
+  std::uint32_t latency() const override { return 0; }
 
   // The meter of the output (what process() wrote).
   const tollhum::Meter& meter() const { return meter_; }
