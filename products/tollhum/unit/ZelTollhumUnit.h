@@ -66,8 +66,8 @@ class ZelTollhumUnit final : public ZelAudioUnit {
   const tollhum::Meter& meter() const { return meter_; }
   // Its levels in dBFS, for any thread (see tollhum::Meter for the order):
   // the plug-in's meter ports.
-  std::uint32_t meterCount() const { return tollhum::Meter::kValueCount; }
-  void readMeters(float* levels, std::uint32_t count) const {
+  std::uint32_t meterCount() const override { return tollhum::Meter::kValueCount; }
+  void readMeters(float* levels, std::uint32_t count) const override {
     meter_.readValues(levels, static_cast<int>(count));
   }
 
