@@ -127,7 +127,8 @@ function(zel_add_product slug)
   add_custom_command(
     OUTPUT ${turtle} ${urisHeader}
     COMMAND Python3::Interpreter ${ZEL_SOURCE_DIR}/lv2/tools/make_turtle.py ${config} ${bundle} --header ${urisHeader} ${noUI}
-    DEPENDS ${ZEL_SOURCE_DIR}/lv2/tools/make_turtle.py ${ZEL_SOURCE_DIR}/dsp/tools/make_parameter_table.py ${config}
+    DEPENDS ${ZEL_SOURCE_DIR}/lv2/tools/make_turtle.py ${ZEL_SOURCE_DIR}/lv2/tools/meter_ports.py
+            ${ZEL_SOURCE_DIR}/dsp/tools/make_parameter_table.py ${config}
             ${ZEL_SOURCE_DIR}/model/ZelDescriptionSchema.h ${ZEL_SOURCE_DIR}/model/tools/zel_description_schema.py
     COMMENT "Generating ${slug}'s LV2 Turtle files and URI header"
     VERBATIM)

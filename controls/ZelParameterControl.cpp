@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "controls/ZelNoteSlider.h"
 #include "controls/ZelPrimaryControls.h"
 #include "layout/engine/ZelPluginLayout.h"
 #include "theme/ZelBorderSpec.h"
@@ -139,6 +140,15 @@ void ZelParameterControl::reportValueChange() { sendAction(); }
 void ZelParameterControl::setStringValue(std::string_view text) { setStringValue(text, ZelNumberParser::user()); }
 
 void ZelParameterControl::setStringValue(std::string_view text, const ZelNumberParser& parser) {
+  // A pitch may be typed as a note name ("A#3") as well as a MIDI number.
+  if (parameter_->unit == ZelUnit::Note) {
+    if (std::optional<float> note = ZelNoteFromName(text)) {
+      setFloatValue(*note);
+      reportValueChange();
+      ZelTransientBufferDisplayClear(primaryControl_);
+      return;
+    }
+  }
   std::string digits(text);
   float factor = 1;
   if (!digits.empty() && digits.back() == 'k') {

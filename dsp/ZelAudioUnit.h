@@ -51,6 +51,15 @@ class ZelAudioUnit {
 
   // The delay of the output against the input, in samples at the unit's rate.
   virtual std::uint32_t latency() const = 0;
+
+  // Metering, for a unit that measures its signal: meterCount() levels,
+  // published by process() for any thread to read at any time without
+  // waiting (the LV2 plug-in copies them to its meter output ports after
+  // each block). The order is the description's metadata "meterPorts". A
+  // unit without meters keeps these.
+  virtual std::uint32_t meterCount() const { return 0; }
+  // Writes min(count, meterCount()) levels; real-time safe.
+  virtual void readMeters(float* levels, std::uint32_t count) const { (void)levels, (void)count; }
 };
 
 ZEL_DSP_NAMESPACE_END

@@ -43,6 +43,9 @@ struct ZelProductLV2 {
   const char* channelsOutKey;
   std::uint32_t controlPortCount;  // ports 0..count-1: parameter ids in order
   std::uint32_t latencyPort, controlAtomPort, notifyAtomPort, firstAudioPort;
+  // The meter output ports (the description's "meterPorts"), after the
+  // notify port; a count of 0: none.
+  std::uint32_t firstMeterPort, meterPortCount;
 };
 
 struct ZelProduct {

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <utility>
 
+#include "controls/ZelNoteSlider.h"
+#include "controls/ZelParameterControl.h"
 #include "editor/ZelGenericUI.h"
 #include "editor/ZelParameterURL.h"
 #include "editor/ZelPresetBar.h"
@@ -75,6 +77,10 @@ bool ZelKeyboardHandler::handleKeyDownEvent(const ZelEvent& event) {
   if (c == "-" && numberBuffer_.empty()) return appendToNumberBuffer("-");
   if (c == "k") return appendToNumberBuffer("k");
   if (isNumberKey(c)) return appendToNumberBuffer(c);
+  // A pitch is also typed as a note name: its letter, sharp or flat, octave.
+  if (const ZelParameterControl* control = focused();
+      control && control->parameter()->unit == ZelUnit::Note && ZelIsNoteNameCharacter(numberBuffer_, c))
+    return appendToNumberBuffer(c);
   switch (event.keyCode) {
     case ZelKeyCodeReturn:
     case ZelKeyCodeKeypadEnter:

@@ -148,6 +148,11 @@ void ZelHostView::logFailure(int line, const char* operation, ZelUnitStatus stat
 
 // ---- Connecting.
 
+CGSize ZelHostView::editorSize() const {
+  const CGSize preferred = config_ ? config_->preferredSize() : CGSize{0, 0};
+  return preferred.width > 0 && preferred.height > 0 ? preferred : kInitialSize;
+}
+
 void ZelHostView::setAU(ZelUnitConnection* unit) {
   if (unit_) removeListeners();
   removeEditor();
@@ -165,8 +170,15 @@ void ZelHostView::setAU(ZelUnitConnection* unit) {
   if (readsBundleConfig_)
     config_ = ZelConfig::configNamed("config",
                                      resourcesDirectory_.empty() ? ZelBundle::resourcesDirectory() : resourcesDirectory_);
+  const CGSize size = editorSize();
+  if (bounds().size != size) setFrame(CGRectMake(frame().origin.x, frame().origin.y, size.width, size.height));
   auto editor = std::make_unique<ZelGenericUI>(bounds(), config_.get(), &runLoop_);
   editor->setDelegate(this);
+  // A unit that meters hands its metering record on to a sketch that meters.
+  if (const ZelUnitMeteringResult metering = ZelGetMeteringResult(*unit_); metering.valid) {
+    const ZelMeteringFunction function = metering.metering.function;
+    editor->setMeteringCallback({reinterpret_cast<void*>(function), metering.metering.context});
+  }
   runLoop_.schedule(kSketchDelay, [this] { addSketch(); }, ZelCallKey{this, kAddSketch});
   ui_ = addSubview(std::move(editor));
 

@@ -45,7 +45,8 @@ class ZelConfig;
 
 class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private ZelUnitParameterListener {
  public:
-  // The size every host view starts at, whatever the host asked for.
+  // The size every host view starts at, whatever the host asked for, until
+  // its description gives the editor's own (editorSize()).
   static constexpr CGSize kInitialSize{480, 380};
   static constexpr double kSketchDelay = 1.0;
   static constexpr double kFocusReassertDelay = 0.5;
@@ -98,6 +99,10 @@ class ZelHostView final : public ZelView, public ZelGenericUIDelegate, private Z
   // state, first responder, every current value and the preset name, the
   // deferred drawer step and the channel counts. Put the view in its window
   // first. A second call first removes the previous unit's listener.
+  // The editor's size in points: the description's preferred size (its
+  // metadata's width and height), else kInitialSize. Connecting (setAU)
+  // sizes the view to it; hosts size their windows by it.
+  CGSize editorSize() const;
   void setAU(ZelUnitConnection* unit);
   ZelUnitConnection* unit() const { return unit_; }
   ZelGenericUI* ui() const { return ui_; }

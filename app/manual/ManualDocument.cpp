@@ -176,9 +176,12 @@ ZelManualPage overviewPage(const ZelConfig& config, const ZelManualTexts& texts)
   ZelManualPage page{"What " + config.metadata().pluginName + " does", "overview", {}};
   page.blocks.push_back(heading(page.title, page.anchor));
   paragraphs(page.blocks, texts.overview);
-  Block flow;
-  flow.kind = Kind::Flow;
-  page.blocks.push_back(flow);
+  if (!texts.flow.steps.empty()) {
+    Block flow;
+    flow.kind = Kind::Flow;
+    flow.flow = texts.flow;
+    page.blocks.push_back(flow);
+  }
   page.blocks.push_back(subheading("The editor at a glance", "editor"));
   std::vector<std::vector<std::string>> rows;
   std::string main, advanced;

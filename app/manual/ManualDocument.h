@@ -31,6 +31,7 @@ struct ZelManualBlock {
   int shot = 0;
   CGRect crop{};
   double width = 0;  // Picture: points wide on the page
+  ZelManualFlow flow;  // Flow: the signal chain
 };
 
 struct ZelManualPage {

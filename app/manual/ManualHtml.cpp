@@ -3,6 +3,8 @@
 // every clump under "clump-<code name>". The pictures are embedded.
 #include <cairo.h>
 
+#include <algorithm>
+
 #include <fstream>
 
 #include "app/manual/ManualDocument.h"
@@ -129,12 +131,25 @@ bool ZelWriteManualHTML(const ZelManualDocument& doc, const std::string& path, s
           out += "</figure>\n";
           break;
         }
-        case Kind::Flow:
-          out += "<p class=\"flow\">Input \xE2\x86\x92 Mode (encode) \xE2\x86\x92 <b>[</b> Drive \xE2\x86\x92 "
-                 "Degrade \xE2\x86\x92 Hiss \xE2\x86\x92 Low Cut \xE2\x86\x92 High Cut <b>]</b> \xE2\x86\x92 Mode "
-                 "(decode) \xE2\x86\x92 Mix with the dry signal \xE2\x86\x92 Width \xE2\x86\x92 Output \xE2\x86\x92 "
-                 "Power. The part in brackets runs for each channel of processing, oversampled when HQ is on.</p>\n";
+        case Kind::Flow: {
+          // The steps on one line, the per-channel part in brackets.
+          const ZelManualFlow& f = b.flow;
+          std::string line;
+          for (std::size_t i = 0; i < f.steps.size(); ++i) {
+            std::string step = f.steps[i];
+            std::replace(step.begin(), step.end(), '\n', ' ');
+            if (i > 0) line += " \xE2\x86\x92 ";
+            if (int(i) == f.chainFirst) line += "<b>[</b> ";
+            line += ZelManualHTMLText(step);
+            if (int(i) == f.chainLast) line += " <b>]</b>";
+          }
+          line += ".";
+          if (f.chainFirst >= 0 && !f.chainLabel.empty())
+            line += " The part in brackets: " + ZelManualHTMLText(f.chainLabel) + ".";
+          if (!f.note.empty()) line += " " + ZelManualHTMLText(f.note);
+          out += "<p class=\"flow\">" + line + "</p>\n";
           break;
+        }
         case Kind::Contents:
           out += "<nav><h3>Contents</h3><ol>\n";
           for (std::size_t i = 1; i < doc.pages.size(); ++i)

@@ -112,7 +112,7 @@ class Typesetter {
       case Kind::Note: note(b); break;
       case Kind::Table: table(b); break;
       case Kind::Picture: picture(b); break;
-      case Kind::Flow: flow(); break;
+      case Kind::Flow: flow(b.flow); break;
       case Kind::Contents: contents(); break;
     }
   }
@@ -247,64 +247,69 @@ class Typesetter {
     y_ = bottom + 6;
   }
 
-  // The signal chain, in two rows.
-  void flow() {
-    struct Box {
-      const char* text;
-      bool chain;
-    };
-    const Box rows[2][6] = {{{"Input", false}, {"Mode:\nencode", false}, {"Drive", true}, {"Degrade", true},
-                             {"Hiss", true}, {"Low Cut", true}},
-                            {{"High Cut", true}, {"Mode:\ndecode", false}, {"Mix with\nthe dry signal", false},
-                             {"Width", false}, {"Output", false}, {"Power", false}}};
-    constexpr double gap = 16, bh = 34;
-    const double bw = (kWidth - 5 * gap) / 6;
-    y_ += 30;
-    // The chain's frame: from Drive to High Cut over both rows.
-    const double top = y_, second = y_ + bh + 34;
-    cairo_set_line_width(cr_, 0.8);
-    setColor(cr_, kAccent);
-    const double dash[] = {3, 2};
-    cairo_set_dash(cr_, dash, 2, 0);
-    const double x2 = kLeft + 2 * (bw + gap) - 6;
-    cairo_rectangle(cr_, x2, top - 7, kLeft + kWidth + 6 - x2, bh + 14);
-    cairo_rectangle(cr_, kLeft - 6, second - 7, bw + 12, bh + 14);
-    cairo_stroke(cr_);
-    cairo_set_dash(cr_, nullptr, 0, 0);
-    draw(layout("each channel of processing \xC2\xB7 oversampled when HQ is on", "normal", 8, kWidth), x2 + 2,
-         top - 20, kAccent);
-    for (int r = 0; r < 2; ++r) {
-      const double by = r == 0 ? top : second;
-      for (int i = 0; i < 6; ++i) {
-        const Box& box = rows[r][i];
-        const double bx = kLeft + i * (bw + gap);
-        setColor(cr_, box.chain ? RGB{0.99, 0.95, 0.90} : kShade);
-        cairo_rectangle(cr_, bx, by, bw, bh);
-        cairo_fill(cr_);
-        setColor(cr_, box.chain ? kAccent : kRule);
-        cairo_rectangle(cr_, bx + 0.4, by + 0.4, bw - 0.8, bh - 0.8);
+  // The signal chain: boxes in rows of six, left to right, each row led on
+  // to the next; the per-channel part framed with a dashed line, row by row.
+  void flow(const ZelManualFlow& f) {
+    constexpr int perRow = 6;
+    constexpr double gap = 16, bh = 34, rowGap = 34;
+    const int count = static_cast<int>(f.steps.size());
+    const int rows = (count + perRow - 1) / perRow;
+    const double bw = (kWidth - (perRow - 1) * gap) / perRow;
+    const bool framed = f.chainFirst >= 0;
+    y_ += framed && !f.chainLabel.empty() ? 30 : 10;
+    const double top = y_;
+    auto rowTop = [&](int r) { return top + r * (bh + rowGap); };
+    auto boxLeft = [&](int i) { return kLeft + (i % perRow) * (bw + gap); };
+    if (framed) {
+      cairo_set_line_width(cr_, 0.8);
+      setColor(cr_, kAccent);
+      const double dash[] = {3, 2};
+      cairo_set_dash(cr_, dash, 2, 0);
+      for (int r = 0; r < rows; ++r) {
+        const int first = std::max(f.chainFirst, r * perRow), last = std::min(f.chainLast, r * perRow + perRow - 1);
+        if (first > last) continue;
+        const double x0 = boxLeft(first) - 6, x1 = boxLeft(last) + bw + 6;
+        cairo_rectangle(cr_, x0, rowTop(r) - 7, x1 - x0, bh + 14);
+      }
+      cairo_stroke(cr_);
+      cairo_set_dash(cr_, nullptr, 0, 0);
+      if (!f.chainLabel.empty())
+        draw(layout(f.chainLabel.c_str(), "normal", 8, kWidth), boxLeft(f.chainFirst) - 4,
+             rowTop(f.chainFirst / perRow) - 20, kAccent);
+    }
+    for (int i = 0; i < count; ++i) {
+      const bool chain = framed && i >= f.chainFirst && i <= f.chainLast;
+      const double bx = boxLeft(i), by = rowTop(i / perRow);
+      setColor(cr_, chain ? RGB{0.99, 0.95, 0.90} : kShade);
+      cairo_rectangle(cr_, bx, by, bw, bh);
+      cairo_fill(cr_);
+      setColor(cr_, chain ? kAccent : kRule);
+      cairo_rectangle(cr_, bx + 0.4, by + 0.4, bw - 0.8, bh - 0.8);
+      cairo_stroke(cr_);
+      PangoLayout* l = layout(f.steps[std::size_t(i)].c_str(), "normal", 8.6, bw - 6);
+      pango_layout_set_alignment(l, PANGO_ALIGN_CENTER);
+      int lw = 0, lh = 0;
+      pango_layout_get_size(l, &lw, &lh);
+      draw(l, bx + 3, by + (bh - double(lh) / PANGO_SCALE) / 2, kInk);
+      if (i + 1 >= count) continue;
+      if ((i + 1) % perRow != 0) {
+        arrow(bx + bw + 2, by + bh / 2, bx + bw + gap - 2, by + bh / 2);
+      } else {
+        // From the end of a row to the start of the next.
+        const double endX = bx + bw / 2, turn = by + bh + 17, startX = kLeft + bw / 2;
+        setColor(cr_, kInk);
+        cairo_move_to(cr_, endX, by + bh + 1);
+        cairo_line_to(cr_, endX, turn);
+        cairo_line_to(cr_, startX, turn);
         cairo_stroke(cr_);
-        PangoLayout* l = layout(box.text, "normal", 8.6, bw - 6);
-        pango_layout_set_alignment(l, PANGO_ALIGN_CENTER);
-        int lw = 0, lh = 0;
-        pango_layout_get_size(l, &lw, &lh);
-        draw(l, bx + 3, by + (bh - double(lh) / PANGO_SCALE) / 2, kInk);
-        if (i < 5) arrow(bx + bw + 2, by + bh / 2, bx + bw + gap - 2, by + bh / 2);
+        arrow(startX, turn, startX, rowTop(i / perRow + 1) - 2);
       }
     }
-    // From the end of the first row to the start of the second.
-    const double endX = kLeft + 5 * (bw + gap) + bw / 2;
-    setColor(cr_, kInk);
-    cairo_move_to(cr_, endX, top + bh + 1);
-    cairo_line_to(cr_, endX, top + bh + 17);
-    cairo_line_to(cr_, kLeft + bw / 2, top + bh + 17);
-    cairo_stroke(cr_);
-    arrow(kLeft + bw / 2, top + bh + 17, kLeft + bw / 2, second - 2);
-    y_ = second + bh + 16;
-    draw(layout("Power off crossfades to the input, delayed by the latency; the dry signal of Mix is delayed the "
-                "same way and goes through the same Mode.", "normal", 8.5, kWidth),
-         kLeft, y_, kGrey);
-    y_ += 30;
+    y_ = rowTop(rows - 1) + bh + 16;
+    if (!f.note.empty()) {
+      draw(layout(f.note.c_str(), "normal", 8.5, kWidth), kLeft, y_, kGrey);
+      y_ += 30;
+    }
   }
 
   void arrow(double x0, double y0, double x1, double y1) {

@@ -34,6 +34,41 @@ void readTable(const ZelPlist& value, std::string_view key, const std::set<std::
     if (!table->contains(name)) errors.push_back(std::string(key) + "." + name + ": no text for it");
 }
 
+void readFlow(const ZelPlist& value, ZelManualFlow& flow, std::vector<std::string>& errors) {
+  if (value.isNull()) return;
+  const ZelPlist::Dictionary* dict = value.asDictionary();
+  const ZelPlist::Array* steps = dict ? value["steps"].asArray() : nullptr;
+  if (!steps || steps->empty()) {
+    errors.push_back("flow: expected a dictionary with a non-empty array of steps");
+    return;
+  }
+  for (const auto& [key, v] : *dict) {
+    (void)v;
+    if (key != "steps" && key != "chainFirst" && key != "chainLast" && key != "chainLabel" && key != "note")
+      errors.push_back("flow." + key + ": not a key of the flow (steps, chainFirst, chainLast, chainLabel, note)");
+  }
+  for (const ZelPlist& step : *steps) {
+    const std::string* s = step.asString();
+    if (!s || s->empty()) {
+      errors.push_back("flow.steps: expected non-empty strings");
+      return;
+    }
+    flow.steps.push_back(*s);
+  }
+  const auto count = static_cast<std::int64_t>(flow.steps.size());
+  if (value.contains("chainFirst") || value.contains("chainLast")) {
+    const std::int64_t first = value["chainFirst"].integerValue(), last = value["chainLast"].integerValue();
+    if (first < 0 || last < first || last >= count) {
+      errors.push_back("flow: chainFirst and chainLast are not steps in order");
+    } else {
+      flow.chainFirst = static_cast<int>(first);
+      flow.chainLast = static_cast<int>(last);
+    }
+  }
+  if (const std::string* s = value["chainLabel"].asString()) flow.chainLabel = *s;
+  if (const std::string* s = value["note"].asString()) flow.note = *s;
+}
+
 }  // namespace
 
 ZelManualTextsLoad ZelReadManualTexts(const ZelPlist& file, const ZelConfig& config) {
@@ -45,8 +80,8 @@ ZelManualTextsLoad ZelReadManualTexts(const ZelPlist& file, const ZelConfig& con
   }
   for (const auto& [key, value] : *top) {
     (void)value;
-    if (key != "overview" && key != "clumps" && key != "parameters")
-      load.errors.push_back(key + ": not a key of the manual's texts (overview, clumps, parameters)");
+    if (key != "overview" && key != "clumps" && key != "parameters" && key != "flow")
+      load.errors.push_back(key + ": not a key of the manual's texts (overview, clumps, parameters, flow)");
   }
   const std::string* overview = file["overview"].asString();
   if (!overview || overview->empty()) load.errors.push_back("overview: expected a non-empty string");
@@ -57,6 +92,7 @@ ZelManualTextsLoad ZelReadManualTexts(const ZelPlist& file, const ZelConfig& con
   config.enumerateParameters([&](const ZelParameter& p, const ZelClump&) { parameters.insert(p.codesafeName); });
   readTable(file["clumps"], "clumps", clumps, load.texts.clumps, load.errors);
   readTable(file["parameters"], "parameters", parameters, load.texts.parameters, load.errors);
+  readFlow(file["flow"], load.texts.flow, load.errors);
   return load;
 }
 

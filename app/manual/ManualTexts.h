@@ -2,10 +2,17 @@
 // parameter does to the sound, what each clump is for, the overview), read
 // from resources/manual.plist and checked against the description.
 //
-// The file is a dictionary of exactly three keys, each required:
+// The file is a dictionary of three required keys and one optional:
 //   overview    string
 //   clumps      dictionary: clump code name -> string
 //   parameters  dictionary: parameter code name -> string
+//   flow        (optional) the signal chain drawn under the overview:
+//               steps       array of strings, in signal order ("\n" breaks
+//                           a box's line)
+//               chainFirst, chainLast   (optional) the steps, by index,
+//                           that run for each channel of processing: framed
+//               chainLabel  (optional) what the frame says
+//               note        (optional) a line under the chain
 // Every clump and every parameter of the description must have a non-empty
 // text, and every key must name one that exists; anything else (another
 // key, a value that is not a string) is an error too.
@@ -24,8 +31,15 @@ ZEL_NAMESPACE_BEGIN
 class ZelConfig;
 class ZelPlist;
 
+struct ZelManualFlow {
+  std::vector<std::string> steps;  // empty: no chain is drawn
+  int chainFirst = -1, chainLast = -1;  // -1: no frame
+  std::string chainLabel, note;
+};
+
 struct ZelManualTexts {
   std::string overview;
+  ZelManualFlow flow;
   std::map<std::string, std::string, std::less<>> clumps, parameters;
 };
 

@@ -209,7 +209,8 @@ struct Notice {
 // the notice on top. The user's zoom multiplies the window's base scale.
 void showEditor(ZelWindow& window, ZelX11WindowHost& host, double baseScale, ZelStandaloneUnit& unit,
                 std::unique_ptr<ZelConfig> config, Notice& notice) {
-  window.setContentSize(ZelHostView::kInitialSize);
+  window.setContentSize(config && config->preferredSize().width > 0 ? config->preferredSize()
+                                                                   : ZelHostView::kInitialSize);
   auto view = std::make_unique<ZelHostView>(window.runLoop(), std::move(config));
   ZelHostView* shown = view.get();
   shown->setZoomHandler([&host, baseScale](double zoom) {

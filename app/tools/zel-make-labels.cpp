@@ -52,6 +52,10 @@ constexpr double kLogoTracking = 0.22;  // ems between the wordmark's capitals
 constexpr double kLogoRuleGap = 3;      // points between the capitals and the rule
 constexpr double kLogoRuleWidth = 14;
 constexpr double kLogoRuleHeight = 1;
+// The wordmark sits in the power strip (62 points wide) with 2 points clear
+// on each side: a longer name first loses tracking, then size.
+constexpr double kLogoMaxWidth = 62 - 2 * 2;
+constexpr double kLogoMinTracking = 0.06;
 const ZelColor kInk{0, 0, 0, 1};
 
 // ---- Rendering.
@@ -89,11 +93,24 @@ std::string upperASCII(std::string_view s) {
 std::string renderLogo(std::string_view name, const std::shared_ptr<ZelCairoText>& text) {
   ZelFont font{ZelFontFace::Medium, kLogoSize};
   std::string caps = upperASCII(name);
-  double tracking = kLogoTracking * kLogoSize, width = 0;
+  double tracking = 0, width = 0;
   std::vector<double> advances;
-  for (char c : caps) advances.push_back(text->measure(std::string(1, c), font).width);
-  for (double a : advances) width += a;
-  width += tracking * static_cast<double>(advances.empty() ? 0 : advances.size() - 1);
+  auto measure = [&](double ems) {
+    advances.clear();
+    for (char c : caps) advances.push_back(text->measure(std::string(1, c), font).width);
+    tracking = ems * font.pointSize;
+    width = tracking * static_cast<double>(advances.empty() ? 0 : advances.size() - 1);
+    for (double a : advances) width += a;
+  };
+  measure(kLogoTracking);
+  if (width > kLogoMaxWidth) {
+    const double gaps = static_cast<double>(caps.size() > 1 ? caps.size() - 1 : 1);
+    measure(std::max(kLogoMinTracking, kLogoTracking - (width - kLogoMaxWidth) / (gaps * font.pointSize)));
+  }
+  if (width > kLogoMaxWidth) {
+    font.pointSize *= kLogoMaxWidth / width;
+    measure(kLogoMinTracking);
+  }
   ZelTextMetrics m = text->measure(caps, font);
   double capHeight = std::ceil(m.ascent);
   CGSize box{std::ceil(width) + 2 * kPadding,

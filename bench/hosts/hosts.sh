@@ -5,7 +5,11 @@
 # its own editor: eg-amp with jalv's generic slider).
 #
 #   hosts.sh [-n RUNS] [--host jalv.gtk3] [--host jalv.qt5] [--idle S]
-#            [--out DIR] BUNDLE_DIR
+#            [--out DIR] [--bundle DIR]... [--plugin 'LABEL URI']...
+#            [--only LABEL,...] BUNDLE_DIR
+#
+# --bundle puts another of our bundles (another product's) on LV2_PATH,
+# --plugin adds a plug-in to the list below, --only keeps the listed labels.
 #
 # Hosts: jalv.gtk3 and jalv.qt5 (when installed) unless --host is given;
 # jalv.qt5 embeds X11 editors only with libqt5x11extras5, otherwise it shows
@@ -25,14 +29,17 @@
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 
-runs=5 idle=10 out='' hosts=()
+runs=5 idle=10 out='' hosts=() bundles=() extra=() only=''
 while [ $# -gt 0 ]; do
   case "$1" in
     -n) runs=$2; shift 2 ;;
     --host) hosts+=("$2"); shift 2 ;;
     --idle) idle=$2; shift 2 ;;
     --out) out=$2; shift 2 ;;
-    -h|--help) sed -n '2,22p' "$0"; exit 0 ;;
+    --bundle) bundles+=("$2"); shift 2 ;;
+    --plugin) extra+=("$2"); shift 2 ;;
+    --only) only=",$2,"; shift 2 ;;
+    -h|--help) sed -n '2,27p' "$0"; exit 0 ;;
     -*) echo "hosts.sh: unknown option $1" >&2; exit 2 ;;
     *) bundle=$1; shift ;;
   esac
@@ -59,6 +66,9 @@ mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_RUN
 chmod 700 "$XDG_RUNTIME_DIR"
 mkdir -p "$work/lv2"
 ln -s "$(cd "$bundle" && pwd)" "$work/lv2/vantry.lv2"
+for b in ${bundles[@]+"${bundles[@]}"}; do
+  ln -s "$(cd "$b" && pwd)" "$work/lv2/$(basename "$b")"
+done
 export LV2_PATH=$work/lv2:/usr/lib/lv2
 export JACK_DEFAULT_SERVER=vantry-bench-$$ JACK_NO_AUDIO_RESERVATION=1
 
@@ -95,7 +105,13 @@ plugins=(
   "lsp-peq $lsp"
   "zam-eq2 urn:zamaudio:ZamEQ2"
   "df-room urn:dragonfly:room"
+  ${extra[@]+"${extra[@]}"}
 )
+if [ -n "$only" ]; then
+  kept=()
+  for p in "${plugins[@]}"; do [[ $only == *",${p%% *},"* ]] && kept+=("$p"); done
+  plugins=("${kept[@]}")
+fi
 for p in "${plugins[@]}"; do
   lv2ls | grep -qxF "${p#* }" || echo "hosts.sh: ${p%% *} (${p#* }) is not installed: its runs will fail" >&2
 done

@@ -190,7 +190,9 @@ class Plugin {
         channels_(std::uint32_t(channels)),
         controls_(ports_.controlPortCount, nullptr),
         last_(ports_.controlPortCount, NAN),
-        toggles_(ports_.controlPortCount, 0) {
+        toggles_(ports_.controlPortCount, 0),
+        meters_(std::min(ports_.meterPortCount, unit_->meterCount()), nullptr),
+        levels_(meters_.size(), 0.0f) {
     if (map) {
       LV2_URID_Map m = *map;
       lv2_atom_forge_init(&forge_, &m);
@@ -209,6 +211,8 @@ class Plugin {
       control_ = static_cast<const LV2_Atom_Sequence*>(data);
     } else if (port == ports_.notifyAtomPort) {
       notify_ = static_cast<LV2_Atom_Sequence*>(data);
+    } else if (port >= ports_.firstMeterPort && port - ports_.firstMeterPort < meters_.size()) {
+      meters_[port - ports_.firstMeterPort] = static_cast<float*>(data);
     } else if (port >= audio && port < audio + channels_) {
       in_[port - audio] = static_cast<const float*>(data);
     } else if (port >= audio + channels_ && port < audio + 2 * channels_) {
@@ -235,6 +239,11 @@ class Plugin {
     for (std::uint32_t c = 0; c < channels_; ++c) connected = connected && in_[c] && out_[c];
     if (connected && frames > 0) unit_->process(in_, out_, frames);
     if (latency_) *latency_ = float(unit_->latency());
+    if (!levels_.empty()) {
+      unit_->readMeters(levels_.data(), std::uint32_t(levels_.size()));
+      for (std::size_t i = 0; i < meters_.size(); ++i)
+        if (meters_[i]) *meters_[i] = levels_[i];
+    }
     writeMessages();
   }
 
@@ -398,6 +407,9 @@ class Plugin {
   std::vector<float> last_;
   std::vector<char> toggles_;
   float* latency_ = nullptr;
+  // The meter output ports and the levels read for them, sized once.
+  std::vector<float*> meters_;
+  std::vector<float> levels_;
   const LV2_Atom_Sequence* control_ = nullptr;
   LV2_Atom_Sequence* notify_ = nullptr;
   const float* in_[kMaxChannels] = {};

@@ -22,6 +22,9 @@ import sys
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "dsp", "tools"))
 import make_parameter_table as table  # noqa: E402
 
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from meter_ports import meter_port_turtle, meter_ports  # noqa: E402
+
 # The maker's web site (as editor/ZelGenericUI.h's kMakerWebSite): every
 # product's URIs live under it.
 MAKER_SITE = "https://www.zel-audio.example"
@@ -52,7 +55,11 @@ class Product:
         self.latency_port = len(params)
         self.control_atom_port = len(params) + 1
         self.notify_atom_port = len(params) + 2
-        self.first_audio_port = len(params) + 3
+        # Meter outputs (metadata "meterPorts", lv2/tools/meter_ports.py) sit
+        # between the notify port and the audio ports.
+        self.meter_ports = meter_ports(metadata, fail)
+        self.first_meter_port = len(params) + 3
+        self.first_audio_port = len(params) + 3 + len(self.meter_ports)
 
     def prefixes(self):
         return PREFIXES + f"@prefix {self.prefix}: <{self.base}#> .\n"
@@ -228,6 +235,8 @@ def plugin_turtle(product, params, fragment, suffix, channels, first):
         "\t\tatom:supports atom:Object ;\n"
         "\t\tlv2:portProperty lv2:connectionOptional ;\n"
         "\t\tlv2:designation lv2:control\n\t]")
+    for i, port in enumerate(product.meter_ports):
+        ports.append(meter_port_turtle(port, product.first_meter_port + i, literal, number))
     index = product.first_audio_port
     for direction, group in (("Input", "In"), ("Output", "Out")):
         for key, label, designation in channels:
@@ -432,6 +441,8 @@ def uris_header(product, source):
     out.append(f"inline constexpr std::uint32_t kControlAtomPort = {product.control_atom_port};")
     out.append(f"inline constexpr std::uint32_t kNotifyAtomPort = {product.notify_atom_port};")
     out.append(f"inline constexpr std::uint32_t kFirstAudioPort = {product.first_audio_port};  // inputs, then outputs")
+    out.append(f"inline constexpr std::uint32_t kFirstMeterPort = {product.first_meter_port};")
+    out.append(f"inline constexpr std::uint32_t kMeterPortCount = {len(product.meter_ports)};  // metadata meterPorts")
     out.append("")
     out.append(f"}}  // namespace {ns}")
     return "\n".join(out) + "\n"

@@ -41,6 +41,7 @@ ZelLV2Connection::ZelLV2Connection(LV2UI_Write_Function write, LV2UI_Controller 
       touch_(touch),
       ports_(ZelCurrentProduct().lv2),
       values_(ports_.controlPortCount),
+      meters_(ports_.meterPortCount),
       channelsIn_(channels),
       channelsOut_(channels) {
   auto m = [map](const char* uri) { return map->map(map->handle, uri); };
@@ -65,6 +66,11 @@ void ZelLV2Connection::portEvent(std::uint32_t port, std::uint32_t size, std::ui
     if (!std::isfinite(hz)) return;
     values_[port] = unitValueFromPort(port, hz);
     tell(nullptr, port);
+  } else if (port >= ports_.firstMeterPort && port - ports_.firstMeterPort < meters_.count()) {
+    if (format != 0 || size != sizeof(float)) return;
+    float level;
+    std::memcpy(&level, buffer, sizeof level);
+    meters_.set(port - ports_.firstMeterPort, level);
   } else if (port == ports_.notifyAtomPort && format == urids_.atomEventTransfer) {
     receiveAtom(static_cast<const LV2_Atom*>(buffer), size);
   }
@@ -229,8 +235,12 @@ ZelUnitStatus ZelLV2Connection::getChannelCount(ZelUnitProperty which, std::uint
 }
 
 ZelUnitStatus ZelLV2Connection::getMetering(ZelUnitMetering& metering) {
-  metering = {};
-  return kZelUnitInvalidProperty;  // this product's sketch does not meter
+  if (meters_.count() == 0) {
+    metering = {};
+    return kZelUnitInvalidProperty;  // nothing to meter
+  }
+  metering = meters_.metering();
+  return kZelUnitNoErr;
 }
 
 ZelUnitStatus ZelLV2Connection::getZoom(double& zoom) {

@@ -15,6 +15,9 @@
 // the plug-in; its answers (preset name, remembered theme, channel counts)
 // arrive through portEvent and are handed to the observer.
 //
+// A product that meters (meter output ports after the notify port) gets its
+// levels through portEvent too; getMetering offers them to the sketch.
+//
 // Nothing the host sends is trusted: unknown ports, wrong sizes or formats,
 // non-finite values and malformed atoms are ignored.
 //
@@ -34,6 +37,7 @@
 #include <lv2/ui/ui.h>
 #include <lv2/urid/urid.h>
 
+#include "host/ZelMeterLevels.h"
 #include "host/ZelUnitConnection.h"
 #include "host/ZelUnitListeners.h"
 #include "dsp/ZelProduct.h"
@@ -103,6 +107,8 @@ class ZelLV2Connection final : public ZelListeningUnitConnection {
   LV2_Atom_Forge forge_{};  // initialised once; each message forges into its own buffer
   const ZelProductLV2& ports_;
   std::vector<float> values_;  // unit representation, by pid
+  // The meter output ports' last values (the metering record reads them).
+  ZelMeterLevels meters_;
   std::string presetName_;
   std::uint32_t channelsIn_, channelsOut_;
   double zoom_ = 1.0;

@@ -144,8 +144,8 @@ void ZelLV2UI::setScale(double scale) {
   if (host_->backingScale() != scale) host_->setBackingScale(scale);
   const LV2UI_Resize* resize = features_.resize;
   if (resize && resize->ui_resize)
-    resize->ui_resize(resize->handle, static_cast<int>(ZelHostView::kInitialSize.width * scale + 0.5),
-                      static_cast<int>(ZelHostView::kInitialSize.height * scale + 0.5));
+    resize->ui_resize(resize->handle, static_cast<int>(view_->editorSize().width * scale + 0.5),
+                      static_cast<int>(view_->editorSize().height * scale + 0.5));
 }
 
 // Also when the host's window changes size: more room gives the zoom back,
@@ -211,6 +211,7 @@ ZelLV2UI* ZelLV2UI::create(const char* pluginURI, const char* bundlePath, LV2UI_
     self->loop_->schedule(kHostResizeSeconds, [self] { self->fitToHost(); }, {self, "fit"});
   });
   ui->view_->setAU(ui->connection_.get());
+  ui->window_->setContentSize(ui->view_->editorSize());
   ui->connection_->requestState();
   ui->host_->show();
   // The first frame is drawn now, before the host shows its window: the

@@ -91,3 +91,39 @@ TEST(ManualTexts, MarksBecomeMarkupWithEverythingElseEscaped) {
 }
 
 }  // namespace
+
+namespace {
+
+ZelPlist stepList(std::vector<const char*> steps) {
+  ZelPlist::Array a;
+  for (const char* s : steps) a.push_back(ZelPlist::string(s));
+  return ZelPlist::array(std::move(a));
+}
+
+}  // namespace
+
+TEST(ManualTexts, TheSignalFlowIsOptionalAndCheckedWhenGiven) {
+  auto config = productConfig();
+  ZelPlist::Dictionary texts = completeTexts(*config);
+  ZelManualTextsLoad load = ZelReadManualTexts(ZelPlist::dictionary(texts), *config);
+  EXPECT_TRUE(load.texts.flow.steps.empty());  // no flow, no chain drawn
+
+  texts["flow"] = ZelPlist::dictionary({{"steps", stepList({"In", "Filter", "Out"})},
+                                        {"chainFirst", ZelPlist::integer(1)},
+                                        {"chainLast", ZelPlist::integer(1)},
+                                        {"chainLabel", ZelPlist::string("per channel")}});
+  load = ZelReadManualTexts(ZelPlist::dictionary(texts), *config);
+  EXPECT_TRUE(load.errors.empty());
+  EXPECT_EQ(load.texts.flow.steps, (std::vector<std::string>{"In", "Filter", "Out"}));
+  EXPECT_EQ(load.texts.flow.chainFirst, 1);
+  EXPECT_EQ(load.texts.flow.chainLabel, "per channel");
+
+  texts["flow"] = ZelPlist::dictionary({{"steps", stepList({"In", "Out"})}, {"chainFirst", ZelPlist::integer(1)},
+                                        {"chainLast", ZelPlist::integer(2)}, {"colour", ZelPlist::string("red")}});
+  load = ZelReadManualTexts(ZelPlist::dictionary(texts), *config);
+  EXPECT_TRUE(mentions(load.errors, "flow: chainFirst and chainLast"));
+  EXPECT_TRUE(mentions(load.errors, "flow.colour"));
+  EXPECT_EQ(load.texts.flow.chainFirst, -1);
+  texts["flow"] = ZelPlist::dictionary({{"steps", ZelPlist::array({})}});
+  EXPECT_TRUE(mentions(ZelReadManualTexts(ZelPlist::dictionary(texts), *config).errors, "flow: expected"));
+}

@@ -16,6 +16,7 @@
 
 #include "editor/ZelPresetBar.h"
 #include "host/ZelHostView.h"
+#include "host/ZelMeterLevels.h"
 #include "model/ZelConfig.h"
 #include "toolkit/core/ZelPlatformWindow.h"
 #include "toolkit/core/ZelWindow.h"
@@ -453,3 +454,36 @@ TEST(HostView, TeardownLetsGoOfUnitAndLoop) {
 }
 
 }  // namespace
+
+TEST(HostView, AUnitsMeteringRecordReachesTheEditorAndNothingElseDoes) {
+  {
+    Fixture f;  // the fake unit offers no function: nothing is installed
+    f.unit.failures["metering"] = kZelUnitInvalidProperty;
+    f.open();
+    EXPECT_EQ(f.ui().meteringCallback(), ZelMeteringCallback{});
+  }
+  Fixture f;
+  ZelMeterLevels levels(3);
+  f.unit.metering = levels.metering();
+  f.open();
+  const ZelMeteringCallback installed = f.ui().meteringCallback();
+  EXPECT_EQ(installed.context, &levels);
+  levels.set(1, -12.5f);
+  float read[4] = {1, 1, 1, 1};
+  ASSERT_TRUE(installed.read(read, 4));
+  EXPECT_EQ(read[0], -90);
+  EXPECT_EQ(read[1], -12.5f);
+  EXPECT_EQ(read[3], -90);  // past the unit's levels: the floor
+}
+
+TEST(MeterLevels, KeepOnlyFiniteLevelsInRange) {
+  ZelMeterLevels levels(2, -60);
+  levels.set(0, -3);
+  levels.set(1, std::nanf(""));
+  levels.set(1, INFINITY);
+  levels.set(7, 0);
+  EXPECT_EQ(levels.level(0), -3);
+  EXPECT_EQ(levels.level(1), -60);
+  EXPECT_EQ(levels.level(7), -60);
+  EXPECT_EQ(levels.count(), 2u);
+}

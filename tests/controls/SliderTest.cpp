@@ -194,3 +194,13 @@ TEST(NoteSlider, NamesMidiNotesWithSharps) {
   EXPECT_TRUE(Contains(texts, "C2"));
   EXPECT_TRUE(Contains(texts, "C7"));
 }
+
+TEST(NoteSlider, TypedNoteNamesReadBackAsTheirNotes) {
+  for (int note = -12; note <= 127; ++note) EXPECT_EQ(ZelNoteFromName(ZelNoteName(float(note))), float(note)) << note;
+  EXPECT_EQ(ZelNoteFromName("Bb2"), 46.0f);
+  EXPECT_EQ(ZelNoteFromName("b2"), 47.0f);
+  EXPECT_EQ(ZelNoteFromName("e#3"), 53.0f);
+  EXPECT_EQ(ZelNoteFromName("Cb4"), 59.0f);
+  for (const char* bad : {"", "H3", "A", "A#", "A#x", "3", "A123", "A-", "#3"})
+    EXPECT_EQ(ZelNoteFromName(bad), std::nullopt) << bad;
+}

@@ -231,3 +231,26 @@ TEST(ZelKeyboardHandler, ZoomStepsThroughItsSizesAndTellsTheHost) {
   EXPECT_EQ(h.ui->zoom(), 1.75);
   EXPECT_EQ(zooms().back(), "1.75");
 }
+
+TEST(ZelKeyboardHandler, APitchIsTypedAsANoteNameOrAsANumber) {
+  Array clumps;
+  clumps.push_back(Clump("Main", "Normal",
+                         {Param(1, "Note", 0, 127, 60, {{"unit", S("Note")}, {"controlType", S("NoteSlider")}}),
+                          Param(2, "B", 1, 100, 0)}));
+  EditorHarness h(std::make_unique<ZelConfig>(D({{"clumps", A(std::move(clumps))}})));
+  h.ui->bringParameterControlIntoFocus(&h.control("Note"));
+  Type(h, "A#3");
+  EXPECT_EQ(h.ui->keyboard().numberBuffer(), "A#3");
+  h.window.sendEvent(Key("\r", ZelKeyCodeReturn));
+  EXPECT_EQ(h.host.updates.back(), (RecordingHost::Update{1, 58}));
+  Type(h, "eb4");
+  h.window.sendEvent(Key("\r", ZelKeyCodeReturn));
+  EXPECT_EQ(h.host.updates.back(), (RecordingHost::Update{1, 63}));
+  Type(h, "72");
+  h.window.sendEvent(Key("\r", ZelKeyCodeReturn));
+  EXPECT_EQ(h.host.updates.back(), (RecordingHost::Update{1, 72}));
+  // Letters are no number anywhere else: the other control leaves them alone.
+  h.ui->bringParameterControlIntoFocus(&h.control("B"));
+  Type(h, "a");
+  EXPECT_EQ(h.ui->keyboard().numberBuffer(), "");
+}

@@ -147,3 +147,31 @@ TEST(ZelFrameClock, LayersAndLinksMayGoAwayInAnyOrder) {
   root.reset();
   EXPECT_EQ(loop->pendingCount(), 0u);
 }
+
+TEST(ZelFrameClock, AHiddenWindowsClockIsSuspendedWithItsClientsKept) {
+  Window w;
+  int frames = 0;
+  ZelDisplayLink link(w.clock, [&](double) { ++frames; });
+  link.start();
+  ZelRunVirtualTime(w.loop, w.time, 0.1);
+  EXPECT_GE(frames, 5);
+
+  w.clock.setSuspended(true);  // the host hid the window
+  const int before = frames;
+  EXPECT_FALSE(w.clock.isRunning());
+  EXPECT_EQ(w.loop.pendingCount(), 0u);
+  ZelRunVirtualTime(w.loop, w.time, 1.0);
+  EXPECT_EQ(frames, before);
+  link.stop();
+  link.start();  // a client coming or going while hidden schedules nothing
+  EXPECT_EQ(w.loop.pendingCount(), 0u);
+
+  w.clock.setSuspended(false);  // shown again: the link runs on
+  EXPECT_TRUE(w.clock.isRunning());
+  ZelRunVirtualTime(w.loop, w.time, 1.1);
+  EXPECT_GE(frames, before + 5);
+  link.stop();
+  w.clock.setSuspended(true);
+  w.clock.setSuspended(false);  // nothing left to animate: stays idle
+  EXPECT_FALSE(w.clock.isRunning());
+}

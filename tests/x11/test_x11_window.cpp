@@ -7,6 +7,8 @@
 
 #include "TestViews.h"
 #include "toolkit/cairo/ZelOffscreenWindowHost.h"
+#include "toolkit/core/ZelDisplayLink.h"
+#include "toolkit/core/ZelFrameClock.h"
 #include "X11TestSupport.h"
 
 #include <X11/Xatom.h>
@@ -222,6 +224,27 @@ TEST(X11Window, DrawsNothingWhileUnmapped) {
   f.host->show();
   settle(*f.host);
   EXPECT_EQ(f.root->draws, draws + 1) << "the waiting redraw happens once mapped";
+}
+
+// A meter's display link runs on the window's frame clock: while the host
+// keeps the window unmapped no frame is scheduled, and mapping it again
+// brings the link back.
+TEST(X11Window, AHiddenWindowsFrameClockSchedulesNothing) {
+  ZEL_REQUIRE_XVFB();
+  Fixture f(1);
+  ASSERT_TRUE(f.host);
+  settle(*f.host);
+  ZelDisplayLink link(f.window.frameClock(), [](double) {});
+  link.start();
+  EXPECT_TRUE(f.window.frameClock().isRunning());
+  f.host->hide();
+  settle(*f.host);
+  EXPECT_FALSE(f.window.frameClock().isRunning());
+  EXPECT_EQ(f.loop.pendingCount(), 0u);
+  f.host->show();
+  settle(*f.host);
+  EXPECT_TRUE(f.window.frameClock().isRunning());
+  link.stop();
 }
 
 // A host maps its window between two of our pumps: the frame drawn before

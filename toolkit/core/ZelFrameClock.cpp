@@ -66,8 +66,19 @@ void ZelFrameClock::removeClient(ZelFrameClockClient& client) { removeEntry(clie
 
 std::size_t ZelFrameClock::clientCount() const { return liveEntries(clients_); }
 
+void ZelFrameClock::setSuspended(bool suspended) {
+  if (suspended == suspended_) return;
+  suspended_ = suspended;
+  if (suspended_ && pending_) {
+    runLoop_.cancel(pending_);
+    pending_ = 0;
+  } else if (!suspended_ && (liveEntries(layers_) > 0 || liveEntries(clients_) > 0)) {
+    ensureScheduled();
+  }
+}
+
 void ZelFrameClock::ensureScheduled() {
-  if (pending_ || ticking_) return;  // a tick in progress reschedules at its end
+  if (pending_ || ticking_ || suspended_) return;  // a tick in progress reschedules at its end
   pending_ = runLoop_.schedule(frameDuration(), [this] {
     pending_ = 0;
     tick();

@@ -68,6 +68,12 @@ class ZelFrameClock {
 
   // Whether a tick is scheduled on the run loop.
   bool isRunning() const { return pending_ != 0; }
+  // A window that nobody can see (its host hid it) suspends its clock: no
+  // tick is scheduled, whoever is registered, until it is resumed; then it
+  // runs again if anything is left to animate. A meter costs nothing while
+  // its editor is hidden.
+  void setSuspended(bool suspended);
+  bool isSuspended() const { return suspended_; }
   // Runs one frame now (the scheduled call does this; tests and benchmarks
   // may call it directly). Reschedules itself while work remains. Does
   // nothing when called from within a frame (a client or a completion).
@@ -84,6 +90,7 @@ class ZelFrameClock {
   double fps_;
   ZelRunLoop::Handle pending_ = 0;
   bool ticking_ = false;
+  bool suspended_ = false;
   std::vector<ZelLayer*> layers_;             // null entries are removed ones
   std::vector<ZelFrameClockClient*> clients_;  // likewise
   std::vector<std::function<void()>> completions_;  // reused every tick

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "toolkit/core/ZelFrameClock.h"
 #include "toolkit/x11/ZelX11Scale.h"
 
 ZEL_NAMESPACE_BEGIN
@@ -243,6 +244,7 @@ void ZelX11WindowHost::show() {
   XMapWindow(display(), xWindow_);
   XFlush(display());
   mapped_ = true;
+  window_.frameClock().setSuspended(false);
 }
 
 void ZelX11WindowHost::hide() {
@@ -255,6 +257,7 @@ void ZelX11WindowHost::hide() {
 // picture, so the window shows it again the moment it is mapped.
 void ZelX11WindowHost::becameHidden() {
   mapped_ = false;
+  window_.frameClock().setSuspended(true);
   if (!destroyed_ && shown_ && backBuffer_->showAsBackground()) shown_ = false;
 }
 
@@ -328,7 +331,10 @@ void ZelX11WindowHost::dispatch(XEvent& event) {
       if (event.xdestroywindow.window == xWindow_) destroyed_ = true;
       break;
     case MapNotify:
-      if (event.xmap.window == xWindow_) mapped_ = true;
+      if (event.xmap.window == xWindow_) {
+        mapped_ = true;
+        window_.frameClock().setSuspended(false);
+      }
       break;
     case UnmapNotify:
       if (event.xunmap.window == xWindow_) becameHidden();
