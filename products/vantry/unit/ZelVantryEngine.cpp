@@ -19,6 +19,9 @@ constexpr double kDriveReference = 0.12589254117941673;  // a -18 dBFS sine's pe
 constexpr double kLowestHoldRate = 1000;  // Degrade at 100 %
 constexpr double kMostBits = 24, kFewestBits = 4;
 constexpr double kCutoffLimit = 0.45;     // of the internal rate
+// While Slope glides, sub-blocks are short enough that it moves at most
+// this far (dB/oct) in one: each changes the order by less than half.
+constexpr double kSlopeStepPerSubBlock = 2.25;
 constexpr double kAudioBand = 20000;      // where the hiss's level is measured
 constexpr std::uint32_t kNoiseSeeds[2] = {0x6A09E667u, 0xBB67AE85u};
 
@@ -140,7 +143,7 @@ ZelVantryEngine::ZelVantryEngine(int channels, double sampleRate)
     : channels_(channels == 1 ? 1 : 2),
       rate_(sampleRate),
       hqFactor_(ZelHQFactorForSampleRate(sampleRate)),
-      subBlock_(std::clamp(int(sampleRate / 2000), 4, kMaxSubBlock)) {
+      subBlock_(std::clamp(int(sampleRate / 750), 4, kMaxSubBlock)) {
   for (ZelRamp* r : {&drive_, &degrade_, &output_, &lowCut_, &highCut_, &slope_, &mix_, &hiss_, &width_})
     r->setLength(int(std::lround(kGlideSeconds * rate_)));
   power_.setLength(int(std::lround(kPowerSeconds * rate_)));
@@ -289,7 +292,12 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   if (!started_) start(values);
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
-    const int most = !still() ? subBlock_ : hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
+    int most = hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
+    if (!still()) {
+      most = subBlock_;
+      if (const double speed = slope_.speed(); speed * most > kSlopeStepPerSubBlock)
+        most = std::max(4, int(kSlopeStepPerSubBlock / speed));
+    }
     const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
     done += std::uint32_t(n);

@@ -7,9 +7,11 @@
 // and decoding, the dry/wet Mix (the dry signal delayed to line up), Width,
 // Output, and the Power crossfade against the delayed input.
 //
-// While anything glides, work is done in sub-blocks of about half a
-// millisecond: glides advance and filter coefficients follow them once per
-// sub-block, gains are interpolated sample by sample within it. While
+// While anything glides, work is done in sub-blocks of about 1.3
+// milliseconds (shorter while Slope glides fast, so that the order moves
+// less than half a step in each): glides advance and filter coefficients
+// follow them once per sub-block, gains are interpolated sample by sample
+// within it. While
 // nothing moves, chunks are as long as the buffers allow and the filter
 // coefficients are not touched. A change of Mode or HQ dips the
 // output for 10 ms, switches under silence and comes back over 10 ms.
