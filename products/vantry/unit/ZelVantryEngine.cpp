@@ -19,9 +19,12 @@ constexpr double kDriveReference = 0.12589254117941673;  // a -18 dBFS sine's pe
 constexpr double kLowestHoldRate = 1000;  // Degrade at 100 %
 constexpr double kMostBits = 24, kFewestBits = 4;
 constexpr double kCutoffLimit = 0.45;     // of the internal rate
-// While Slope glides, sub-blocks are short enough that it moves at most
-// this far (dB/oct) in one: each changes the order by less than half.
+// How far a glide may move in one sub-block: a fifteenth of its range
+// (64 samples of a 20 ms glide at 48 kHz from one end to the other), and
+// for Slope 2.25 dB/oct, under half an order.
+constexpr double kGlideShare = 1.0 / 15;
 constexpr double kSlopeStepPerSubBlock = 2.25;
+constexpr int kShortestSubBlock = 4;
 constexpr double kAudioBand = 20000;      // where the hiss's level is measured
 constexpr std::uint32_t kNoiseSeeds[2] = {0x6A09E667u, 0xBB67AE85u};
 
@@ -142,10 +145,22 @@ void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet
 ZelVantryEngine::ZelVantryEngine(int channels, double sampleRate)
     : channels_(channels == 1 ? 1 : 2),
       rate_(sampleRate),
-      hqFactor_(ZelHQFactorForSampleRate(sampleRate)),
-      subBlock_(std::clamp(int(sampleRate / 750), 4, kMaxSubBlock)) {
+      hqFactor_(ZelHQFactorForSampleRate(sampleRate)) {
   for (ZelRamp* r : {&drive_, &degrade_, &output_, &lowCut_, &highCut_, &slope_, &mix_, &hiss_, &width_})
     r->setLength(int(std::lround(kGlideSeconds * rate_)));
+  const auto range = [](int pid) {
+    const ZelUnitParameter& p = kZelParameters[pid];
+    return pid == kPidLowCut || pid == kPidHighCut ? std::log(double(p.maximum) / p.minimum)
+                                                   : double(p.maximum) - p.minimum;
+  };
+  int g = 0;
+  for (const auto& [ramp, pid] : {std::pair{&drive_, kPidDrive}, {&degrade_, kPidDegrade}, {&output_, kPidOutput},
+                                  {&lowCut_, kPidLowCut}, {&highCut_, kPidHighCut}, {&mix_, kPidMix},
+                                  {&hiss_, kPidHiss}, {&width_, kPidWidth}})
+    glideSteps_[g++] = {ramp, kGlideShare * range(pid)};
+  glideSteps_[g++] = {&slope_, kSlopeStepPerSubBlock};
+  glideSteps_[g++] = {&power_, kGlideShare};
+  glideSteps_[g++] = {&dip_, kGlideShare};
   power_.setLength(int(std::lround(kPowerSeconds * rate_)));
   dip_.setLength(int(std::lround(kDipSeconds * rate_)));
 
@@ -293,15 +308,19 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
     int most = hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
-    if (!still()) {
-      most = subBlock_;
-      if (const double speed = slope_.speed(); speed * most > kSlopeStepPerSubBlock)
-        most = std::max(4, int(kSlopeStepPerSubBlock / speed));
-    }
+    if (!still()) most = subBlockLength(most);
     const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
     done += std::uint32_t(n);
   }
+}
+
+// As long as `most` allows while every glide moves at most its step in it.
+int ZelVantryEngine::subBlockLength(int most) const {
+  double n = most;
+  for (const GlideStep& g : glideSteps_)
+    if (const double speed = g.ramp->speed(); speed * n > g.step) n = g.step / speed;
+  return std::clamp(int(n), kShortestSubBlock, most);
 }
 
 // Nothing glides, waits to switch or needs new filter coefficients: a chunk
