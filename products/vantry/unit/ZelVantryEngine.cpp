@@ -52,7 +52,14 @@ inline float uniformNoise(std::uint32_t& state) {
   return float(std::int32_t(state)) * (1.0f / 2147483648.0f);
 }
 
-inline float lerp(double a, double b, double t) { return float(a + (b - a) * t); }
+// A value moving in a straight line over n samples from `from` (before the
+// first) to `to` (at the last), in single precision: exactly `from` at
+// every sample when it holds still.
+struct Glide {
+  float from, delta, perSample;
+  Glide(double a, double b, int n) : from(float(a)), delta(float(b) - float(a)), perSample(1.0f / float(n)) {}
+  float at(int i) const { return from + delta * (float(i + 1) * perSample); }
+};
 
 // By the exponent's bits, so that the loops testing it vectorise.
 inline bool isFinite(float x) { return (std::bit_cast<std::uint32_t>(x) & 0x7f800000u) != 0x7f800000u; }
@@ -82,16 +89,14 @@ struct Range {
   double from, to;
 };
 void spread(float* v, Range r, int n, float divisor = 1) {
-  if (r.from == r.to) {  // what lerp gives, without the work
-    std::fill_n(v, n, float(r.from) / divisor);
+  const float from = float(r.from) / divisor, to = float(r.to) / divisor;
+  if (from == to) {  // what the glide gives, without the work
+    std::fill_n(v, n, from);
     return;
   }
-  // In single precision, by a reciprocal, so that it vectorises; the last
-  // sample lands on the end exactly.
-  const float from = float(r.from) / divisor, to = float(r.to) / divisor;
-  const float delta = to - from, perSample = 1.0f / float(n);
-  for (int i = 0; i < n; ++i) v[i] = from + delta * (float(i + 1) * perSample);
-  v[n - 1] = to;
+  const Glide g(from, to, n);
+  for (int i = 0; i < n; ++i) v[i] = g.at(i);
+  v[n - 1] = to;  // landing on the end exactly
 }
 
 // The wet signal back to the outputs: mixed with the dry one (encoded
@@ -450,11 +455,8 @@ void ZelVantryEngine::drive(float* x, int n) const {
   const double k0 = driveBlend(d.from), k1 = driveBlend(d.to);
   const double g0 = driveGain(d.from), g1 = driveGain(d.to);
   const double c0 = driveCompensation(d.from) * k0, c1 = driveCompensation(d.to) * k1;
-  for (int i = 0; i < n; ++i) {
-    const double t = double(i + 1) / n;
-    const float k = lerp(k0, k1, t), g = lerp(g0, g1, t), kc = lerp(c0, c1, t);
-    x[i] = (1 - k) * x[i] + kc * saturate(g * x[i]);
-  }
+  const Glide k(k0, k1, n), g(g0, g1, n), kc(c0, c1, n);
+  for (int i = 0; i < n; ++i) x[i] = (1 - k.at(i)) * x[i] + kc.at(i) * saturate(g.at(i) * x[i]);
 }
 
 void ZelVantryEngine::degrade(Lane& lane, float* x, int n) const {
@@ -495,7 +497,8 @@ void ZelVantryEngine::hiss(Lane& lane, float* x, int n) const {
   const double scale = std::sqrt(3.0 * oversamplers_[0].factor() * (rate_ / 2) / band);
   const double a0 = h.from <= floor ? 0 : scale * std::pow(10.0, h.from / 20);
   const double a1 = h.to <= floor ? 0 : scale * std::pow(10.0, h.to / 20);
-  for (int i = 0; i < n; ++i) x[i] += lerp(a0, a1, double(i + 1) / n) * uniformNoise(lane.noise);
+  const Glide a(a0, a1, n);
+  for (int i = 0; i < n; ++i) x[i] += a.at(i) * uniformNoise(lane.noise);
 }
 
 // Both lanes through the active sections at once; their states live in
