@@ -40,10 +40,10 @@ double phiAt(double frequency, double rate) {
   return s * s;
 }
 
-// Low-pass numerator matched at DC, the cutoff and (through the pole
-// mapping) Nyquist, with b2 = 0.
-void lowPassAtCutoff(double w, double q, ZelBiquad& s) {
-  const double phi1 = std::sin(w / 2) * std::sin(w / 2), phi0 = 1 - phi1;
+// Low-pass numerator matched at DC, the cutoff (phi1 = phiAt(cutoff)) and
+// (through the pole mapping) Nyquist, with b2 = 0.
+void lowPassAtCutoff(double phi1, double q, ZelBiquad& s) {
+  const double phi0 = 1 - phi1;
   const double a0 = (1 + s.a1 + s.a2) * (1 + s.a1 + s.a2);
   const double r1 = denominatorPower(s, phi1) * q * q;
   const double b1sq = std::max((r1 - a0 * phi0) / phi1, 0.0);
@@ -90,19 +90,25 @@ bool lowPassInPassband(double f0, double q, double rate, ZelBiquad& s) {
   return std::isfinite(s.b0) && std::isfinite(s.b1) && std::isfinite(s.b2);
 }
 
-ZelBiquad secondOrder(ZelFilterShape shape, double f0, double q, double rate) {
+// Where a section's gain is matched: the cutoff, or for a high-pass at
+// most a tenth of the rate (the same for every section of a design).
+double matchedFrequency(ZelFilterShape shape, double f0, double rate) {
+  return shape == ZelFilterShape::HighPass ? std::min(f0, 0.1 * rate) : f0;
+}
+
+// `phi` is phiAt(matchedFrequency(shape, f0, rate), rate).
+ZelBiquad secondOrder(ZelFilterShape shape, double f0, double q, double rate, double phi) {
   ZelBiquad s;
   const double w = 2 * kPi * f0 / rate;
   mapPoles(w, q, s);
   if (shape == ZelFilterShape::HighPass) {
-    const double fm = std::min(f0, 0.1 * rate);
-    const double phi = phiAt(fm, rate);
+    const double fm = matchedFrequency(shape, f0, rate);
     s.b0 = std::sqrt(highPassPower(fm / f0, q) * denominatorPower(s, phi) / (16 * phi * phi));
     s.b1 = -2 * s.b0;
     s.b2 = s.b0;
     return s;
   }
-  lowPassAtCutoff(w, q, s);
+  lowPassAtCutoff(phi, q, s);
   const double t = std::clamp((f0 / rate - 0.15) / 0.1, 0.0, 1.0);
   if (t > 0) {
     ZelBiquad upper = s;
@@ -138,6 +144,17 @@ ZelBiquad firstOrder(ZelFilterShape shape, double f0, double rate) {
   return s;
 }
 
+// Each order's second-order sections' quality, by slot: the pole angles
+// from the negative real axis are (2k - 1 + order % 2) pi / (2 order).
+struct Qualities {
+  double q[kZelMaxButterworthOrder + 1][kZelButterworthSlots] = {};
+  Qualities() {
+    for (int order = 1; order <= kZelMaxButterworthOrder; ++order)
+      for (int k = 1; k <= order / 2; ++k) q[order][k] = 1 / (2 * std::cos((2 * k - 1 + order % 2) * kPi / (2 * order)));
+  }
+};
+const Qualities kQualities;
+
 bool isIdentity(const ZelBiquad& s) { return s.b0 == 1 && s.b1 == 0 && s.b2 == 0 && s.a1 == 0 && s.a2 == 0; }
 
 ZelBiquad cancelled(const ZelBiquad& poles) {
@@ -155,12 +172,8 @@ void ZelDesignButterworth(ZelFilterShape shape, int order, double cutoff, double
   design = ZelButterworthDesign{};
   if (order % 2) design.slots[0] = firstOrder(shape, cutoff, sampleRate);
   const int pairs = order / 2;
-  for (int k = 1; k <= pairs; ++k) {
-    // Pole angles from the negative real axis: (2k - 1 + order % 2) pi / (2 order).
-    const double angle = (2 * k - 1 + order % 2) * kPi / (2 * order);
-    const double q = 1 / (2 * std::cos(angle));
-    design.slots[k] = secondOrder(shape, cutoff, q, sampleRate);
-  }
+  const double phi = phiAt(matchedFrequency(shape, cutoff, sampleRate), sampleRate);
+  for (int k = 1; k <= pairs; ++k) design.slots[k] = secondOrder(shape, cutoff, kQualities.q[order][k], sampleRate, phi);
 }
 
 void ZelDesignButterworthBlend(ZelFilterShape shape, double order, double cutoff, double sampleRate,

@@ -3,6 +3,8 @@
 // Threading: one thread; real-time safe.
 #pragma once
 
+#include <cmath>
+
 #include "dsp/ZelDspNamespace.h"
 
 ZEL_DSP_NAMESPACE_BEGIN
@@ -37,6 +39,8 @@ class ZelRamp {
   double value() const { return current_; }
   double target() const { return target_; }
   bool moving() const { return remaining_ > 0; }
+  // How far the value moves per sample while it glides.
+  double speed() const { return remaining_ > 0 ? std::abs(step_) : 0; }
 
  private:
   double current_ = 0, target_ = 0, step_ = 0;

@@ -323,7 +323,6 @@ int main(int argc, char** argv) {
     std::printf("\n| same job: HP 200 Hz + LP 2 kHz | ratio | goal |\n|---|---|---|\n");
     for (const Ratio& r : ratios)
       std::printf("| vantry %s | %.2f | <= %.1f %s |\n", r.what, r.value, r.goal, r.value <= r.goal ? "met" : "NOT met");
-
   }
 
   for (Instance& it : instances) {

@@ -153,7 +153,7 @@ void ZelLV2UI::setScale(double scale) {
 void ZelLV2UI::fitToHost() {
   int w = 0, h = 0;
   if (!host_->roomInHost(w, h)) return;
-  const CGSize size = ZelHostView::kInitialSize;
+  const CGSize size = view_->editorSize();
   // Half a pixel of slack: sizes are rounded to whole pixels.
   const double room = std::min((w + 0.5) / size.width, (h + 0.5) / size.height);
   const double fitted = std::max(baseScale_, std::min(baseScale_ * zoom_, room));

@@ -238,7 +238,7 @@ TEST(ZelKeyboardHandler, APitchIsTypedAsANoteNameOrAsANumber) {
                          {Param(1, "Note", 0, 127, 60, {{"unit", S("Note")}, {"controlType", S("NoteSlider")}}),
                           Param(2, "B", 1, 100, 0)}));
   EditorHarness h(std::make_unique<ZelConfig>(D({{"clumps", A(std::move(clumps))}})));
-  h.ui->bringParameterControlIntoFocus(&h.control("Note"));
+  h.ui->focus().bringParameterControlIntoFocus(&h.control("Note"));
   Type(h, "A#3");
   EXPECT_EQ(h.ui->keyboard().numberBuffer(), "A#3");
   h.window.sendEvent(Key("\r", ZelKeyCodeReturn));
@@ -250,7 +250,7 @@ TEST(ZelKeyboardHandler, APitchIsTypedAsANoteNameOrAsANumber) {
   h.window.sendEvent(Key("\r", ZelKeyCodeReturn));
   EXPECT_EQ(h.host.updates.back(), (RecordingHost::Update{1, 72}));
   // Letters are no number anywhere else: the other control leaves them alone.
-  h.ui->bringParameterControlIntoFocus(&h.control("B"));
+  h.ui->focus().bringParameterControlIntoFocus(&h.control("B"));
   Type(h, "a");
   EXPECT_EQ(h.ui->keyboard().numberBuffer(), "");
 }

@@ -108,12 +108,12 @@ int main(int argc, char** argv) {
         s.ui->requestPresetNamed("Harp Wash");
         s.run(0.5);
         s.play(0.6, 196);
-        s.ui->bringParameterControlIntoFocus(s.ui->parameterControlWithCodename("Note"));
+        s.ui->focus().bringParameterControlIntoFocus(s.ui->parameterControlWithCodename("Note"));
         s.run(0.5);
       });
-      shoot("advanced", [](Scene& s) { s.ui->toggleAdvancedDrawer(); s.run(1.0); });
-      shoot("presets", [](Scene& s) { s.ui->requestPresetNamed("Tanpura Drone"); s.ui->togglePresetsDrawer(); s.run(1.0); });
-      shoot("mono", [](Scene& s) { s.ui->setChannelsIn(1, 1); s.ui->toggleAdvancedDrawer(); s.run(1.0); });
+      shoot("advanced", [](Scene& s) { s.ui->drawers().toggleAdvancedDrawer(); s.run(1.0); });
+      shoot("presets", [](Scene& s) { s.ui->requestPresetNamed("Tanpura Drone"); s.ui->drawers().togglePresetsDrawer(); s.run(1.0); });
+      shoot("mono", [](Scene& s) { s.ui->setChannelsIn(1, 1); s.ui->drawers().toggleAdvancedDrawer(); s.run(1.0); });
     }
     return true;
   });

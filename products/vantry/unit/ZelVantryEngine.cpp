@@ -19,6 +19,12 @@ constexpr double kDriveReference = 0.12589254117941673;  // a -18 dBFS sine's pe
 constexpr double kLowestHoldRate = 1000;  // Degrade at 100 %
 constexpr double kMostBits = 24, kFewestBits = 4;
 constexpr double kCutoffLimit = 0.45;     // of the internal rate
+// How far a glide may move in one sub-block: a fifteenth of its range
+// (64 samples of a 20 ms glide at 48 kHz from one end to the other), and
+// for Slope 2.25 dB/oct, under half an order.
+constexpr double kGlideShare = 1.0 / 15;
+constexpr double kSlopeStepPerSubBlock = 2.25;
+constexpr int kShortestSubBlock = 4;
 constexpr double kAudioBand = 20000;      // where the hiss's level is measured
 constexpr std::uint32_t kNoiseSeeds[2] = {0x6A09E667u, 0xBB67AE85u};
 
@@ -46,7 +52,14 @@ inline float uniformNoise(std::uint32_t& state) {
   return float(std::int32_t(state)) * (1.0f / 2147483648.0f);
 }
 
-inline float lerp(double a, double b, double t) { return float(a + (b - a) * t); }
+// A value moving in a straight line over n samples from `from` (before the
+// first) to `to` (at the last), in single precision: exactly `from` at
+// every sample when it holds still.
+struct Glide {
+  float from, delta, perSample;
+  Glide(double a, double b, int n) : from(float(a)), delta(float(b) - float(a)), perSample(1.0f / float(n)) {}
+  float at(int i) const { return from + delta * (float(i + 1) * perSample); }
+};
 
 // By the exponent's bits, so that the loops testing it vectorise.
 inline bool isFinite(float x) { return (std::bit_cast<std::uint32_t>(x) & 0x7f800000u) != 0x7f800000u; }
@@ -76,13 +89,14 @@ struct Range {
   double from, to;
 };
 void spread(float* v, Range r, int n, float divisor = 1) {
-  if (r.from == r.to) {  // what lerp gives, without the work
-    std::fill_n(v, n, float(r.from) / divisor);
+  const float from = float(r.from) / divisor, to = float(r.to) / divisor;
+  if (from == to) {  // what the glide gives, without the work
+    std::fill_n(v, n, from);
     return;
   }
-  for (int i = 0; i < n; ++i) v[i] = lerp(r.from, r.to, double(i + 1) / n);
-  if (divisor != 1)
-    for (int i = 0; i < n; ++i) v[i] /= divisor;
+  const Glide g(from, to, n);
+  for (int i = 0; i < n; ++i) v[i] = g.at(i);
+  v[n - 1] = to;  // landing on the end exactly
 }
 
 // The wet signal back to the outputs: mixed with the dry one (encoded
@@ -139,10 +153,22 @@ void mixOut(const Mixing& m, const float* const* bypass, const float* const* wet
 ZelVantryEngine::ZelVantryEngine(int channels, double sampleRate)
     : channels_(channels == 1 ? 1 : 2),
       rate_(sampleRate),
-      hqFactor_(ZelHQFactorForSampleRate(sampleRate)),
-      subBlock_(std::clamp(int(sampleRate / 2000), 4, kMaxSubBlock)) {
+      hqFactor_(ZelHQFactorForSampleRate(sampleRate)) {
   for (ZelRamp* r : {&drive_, &degrade_, &output_, &lowCut_, &highCut_, &slope_, &mix_, &hiss_, &width_})
     r->setLength(int(std::lround(kGlideSeconds * rate_)));
+  const auto range = [](int pid) {
+    const ZelUnitParameter& p = kZelParameters[pid];
+    return pid == kPidLowCut || pid == kPidHighCut ? std::log(double(p.maximum) / p.minimum)
+                                                   : double(p.maximum) - p.minimum;
+  };
+  int g = 0;
+  for (const auto& [ramp, pid] : {std::pair{&drive_, kPidDrive}, {&degrade_, kPidDegrade}, {&output_, kPidOutput},
+                                  {&lowCut_, kPidLowCut}, {&highCut_, kPidHighCut}, {&mix_, kPidMix},
+                                  {&hiss_, kPidHiss}, {&width_, kPidWidth}})
+    glideSteps_[g++] = {ramp, kGlideShare * range(pid)};
+  glideSteps_[g++] = {&slope_, kSlopeStepPerSubBlock};
+  glideSteps_[g++] = {&power_, kGlideShare};
+  glideSteps_[g++] = {&dip_, kGlideShare};
   power_.setLength(int(std::lround(kPowerSeconds * rate_)));
   dip_.setLength(int(std::lround(kDipSeconds * rate_)));
 
@@ -289,11 +315,20 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   if (!started_) start(values);
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
-    const int most = !still() ? subBlock_ : hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
+    int most = hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
+    if (!still()) most = subBlockLength(most);
     const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
     done += std::uint32_t(n);
   }
+}
+
+// As long as `most` allows while every glide moves at most its step in it.
+int ZelVantryEngine::subBlockLength(int most) const {
+  double n = most;
+  for (const GlideStep& g : glideSteps_)
+    if (const double speed = g.ramp->speed(); speed * n > g.step) n = g.step / speed;
+  return std::clamp(int(n), kShortestSubBlock, most);
 }
 
 // Nothing glides, waits to switch or needs new filter coefficients: a chunk
@@ -420,11 +455,8 @@ void ZelVantryEngine::drive(float* x, int n) const {
   const double k0 = driveBlend(d.from), k1 = driveBlend(d.to);
   const double g0 = driveGain(d.from), g1 = driveGain(d.to);
   const double c0 = driveCompensation(d.from) * k0, c1 = driveCompensation(d.to) * k1;
-  for (int i = 0; i < n; ++i) {
-    const double t = double(i + 1) / n;
-    const float k = lerp(k0, k1, t), g = lerp(g0, g1, t), kc = lerp(c0, c1, t);
-    x[i] = (1 - k) * x[i] + kc * saturate(g * x[i]);
-  }
+  const Glide k(k0, k1, n), g(g0, g1, n), kc(c0, c1, n);
+  for (int i = 0; i < n; ++i) x[i] = (1 - k.at(i)) * x[i] + kc.at(i) * saturate(g.at(i) * x[i]);
 }
 
 void ZelVantryEngine::degrade(Lane& lane, float* x, int n) const {
@@ -465,7 +497,8 @@ void ZelVantryEngine::hiss(Lane& lane, float* x, int n) const {
   const double scale = std::sqrt(3.0 * oversamplers_[0].factor() * (rate_ / 2) / band);
   const double a0 = h.from <= floor ? 0 : scale * std::pow(10.0, h.from / 20);
   const double a1 = h.to <= floor ? 0 : scale * std::pow(10.0, h.to / 20);
-  for (int i = 0; i < n; ++i) x[i] += lerp(a0, a1, double(i + 1) / n) * uniformNoise(lane.noise);
+  const Glide a(a0, a1, n);
+  for (int i = 0; i < n; ++i) x[i] += a.at(i) * uniformNoise(lane.noise);
 }
 
 // Both lanes through the active sections at once; their states live in

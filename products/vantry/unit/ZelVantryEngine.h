@@ -7,9 +7,12 @@
 // and decoding, the dry/wet Mix (the dry signal delayed to line up), Width,
 // Output, and the Power crossfade against the delayed input.
 //
-// While anything glides, work is done in sub-blocks of about half a
-// millisecond: glides advance and filter coefficients follow them once per
-// sub-block, gains are interpolated sample by sample within it. While
+// While anything glides, work is done in sub-blocks as long as the glides
+// allow: none moves more than a fifteenth of its range in one (Slope less
+// than half an order), so a glide across a whole range takes sub-blocks of
+// 1.3 ms and automation that moves a little at a time whole chunks. Glides
+// advance and filter coefficients follow them once per sub-block, gains
+// are interpolated sample by sample within it. While
 // nothing moves, chunks are as long as the buffers allow and the filter
 // coefficients are not touched. A change of Mode or HQ dips the
 // output for 10 ms, switches under silence and comes back over 10 ms.
@@ -32,7 +35,6 @@ ZEL_PRODUCT_NAMESPACE_BEGIN
 
 class ZelVantryEngine {
  public:
-  static constexpr int kMaxSubBlock = 64;
   // Longest piece worked in one go while nothing moves (with HQ on, the
   // oversampler's longest).
   static constexpr int kMaxChunk = 256;
@@ -62,6 +64,7 @@ class ZelVantryEngine {
   void clearLanes();
   void runLanes(int lanes, int n);
   bool still() const;
+  int subBlockLength(int most) const;
 
   // Pieces of the lane's chain, over `n` samples at the internal rate.
   void drive(float* x, int n) const;
@@ -74,13 +77,18 @@ class ZelVantryEngine {
   int channels_;
   double rate_;
   int hqFactor_;
-  int subBlock_;
   bool started_ = false;
 
   // Glides, in the units they move in (log hertz for the cutoffs, decibels
   // for Output and Hiss, percent elsewhere); power and dip are gains.
   ZelRamp drive_, degrade_, output_, lowCut_, highCut_, slope_, mix_, hiss_, width_;
   ZelRamp power_, dip_;
+  // Each glide and the most it may move in one sub-block.
+  struct GlideStep {
+    const ZelRamp* ramp;
+    double step;
+  };
+  GlideStep glideSteps_[11] = {};
   int mode_ = 0, pendingMode_ = 0;
   bool hq_ = false, pendingHQ_ = false;
 
