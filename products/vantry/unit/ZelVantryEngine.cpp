@@ -315,7 +315,9 @@ void ZelVantryEngine::process(const float* const* in, float* const* out, std::ui
   if (!started_) start(values);
   else follow(values);
   for (std::uint32_t done = 0; done < frames;) {
-    int most = hq_ ? ZelOversampler::kMaxBlock : kMaxChunk;
+    // A sub-block may switch HQ on at its start (applyPending): it must
+    // fit the oversampler whichever way the switch goes.
+    int most = hq_ || pendingHQ_ ? ZelOversampler::kMaxBlock : kMaxChunk;
     if (!still()) most = subBlockLength(most);
     const int n = int(std::min<std::uint32_t>(frames - done, std::uint32_t(most)));
     subBlock(in, out, done, n);
