@@ -79,7 +79,8 @@ ZEL_NAMESPACE_BEGIN
   KEY(genericHQMultsBySampleRate, genericHQMultsBySampleRate, Dictionary) \
   KEY(parameterOrder, parameterOrder, Array)                             \
   KEY(tabOrder, tabOrder, Strings)                                       \
-  KEY(hostClumps, hostClumps, Array)
+  KEY(hostClumps, hostClumps, Array)                                     \
+  KEY(meterPorts, meterPorts, Array)
 
 #define ZEL_CLUMP_KEYS(KEY)                                              \
   KEY(name, name, String)                                                \

@@ -48,6 +48,7 @@ class ZelMetadata {
 
   // ---- Orders and groups, kept as they stand (arrays, or null).
   ZelPlist parameterOrder, tabOrder, hostClumps;
+  ZelPlist meterPorts;  // the unit's levels, one output port each (lv2/tools/meter_ports.py)
   // The "tabOrder" elements as text (an element that is not a string reads
   // as ""); empty when there is no tab order.
   std::vector<std::string> tabOrderNames;

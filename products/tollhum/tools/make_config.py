@@ -26,18 +26,9 @@ import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 OUT = os.path.normpath(os.path.join(HERE, "..", "config.plist"))
+sys.path.insert(0, os.path.join(HERE, "..", "..", "..", "model", "tools"))
+from zel_description_writer import clump_entry, grid, write_or_check  # noqa: E402
 
-
-def cell(x, y, w, h):
-    return {"origin": {"x": x, "y": y}, "size": {"w": w, "h": h}}
-
-
-def grid(width, height, **frames):
-    """A layout dictionary; frame names given as keyword args (f0 -> "0")."""
-    matrix = {}
-    for name, rect in frames.items():
-        matrix[name[1:] if name.startswith("f") and name[1:].isdigit() else name] = cell(*rect)
-    return {"width": width, "height": height, "matrix": matrix}
 
 
 def base(pid, code, name, minimal, index, unit):
@@ -177,13 +168,6 @@ CLUMPS_LAYOUT = grid(4, 5, f0=(0, 3, 4, 2), f1=(0, 0, 2, 3), f2=(2, 0, 2, 3))
 ADVANCED_LAYOUT = grid(1, 10, f3=(0, 6, 1, 4), f4=(0, 0, 1, 6))
 
 
-def clump_entry(name, kind, params, layout):
-    meta = {"name": name, "codesafeName": name, "labelString": name,
-            "clumpType": kind, "computedLayout": layout}
-    if kind != "PowerBox":
-        meta["labelBorder"] = [0, 0, 1, 0]
-    return {"metadata": meta, "parameters": params}
-
 
 GOVERNED = [p for p in PARAMETERS if not p.get("presetWildcard")]
 DEFAULT = {p["codesafeName"]: p["initialValue"] for p in GOVERNED}
@@ -293,27 +277,8 @@ def description():
             "presets": presets(), "categorizedPresets": categorized()}
 
 
-def without_label_images(node):
-    if isinstance(node, dict):
-        return {k: without_label_images(v) for k, v in node.items()
-                if not (k in ("label", "logo") and isinstance(v, str) and v.startswith("base64,"))}
-    if isinstance(node, list):
-        return [without_label_images(v) for v in node]
-    return node
-
-
 def main(argv):
-    data = plistlib.dumps(description(), fmt=plistlib.FMT_XML, sort_keys=True)
-    if "--check" in argv:
-        with open(OUT, "rb") as f:
-            current = without_label_images(plistlib.loads(f.read()))
-        if plistlib.dumps(current, fmt=plistlib.FMT_XML, sort_keys=True) != data:
-            print(f"{OUT} is stale: run {sys.argv[0]}", file=sys.stderr)
-            return 1
-        return 0
-    with open(OUT, "wb") as f:
-        f.write(data)
-    return 0
+    return write_or_check(description(), OUT, argv)
 
 
 if __name__ == "__main__":

@@ -32,26 +32,11 @@ import sys
 HERE = os.path.dirname(os.path.abspath(__file__))
 OUT = os.path.normpath(os.path.join(HERE, "..", "config.plist"))
 sys.path.insert(0, os.path.join(HERE, "..", "..", "..", "model", "tools"))
-from zel_description_schema import SCHEMA  # noqa: E402
+from zel_description_writer import clump_entry, grid, write_or_check  # noqa: E402
 
 # ---------------------------------------------------------------- helpers
 
 
-def cell(x, y, w, h):
-    return {"origin": {"x": x, "y": y}, "size": {"w": w, "h": h}}
-
-
-def grid(width, height, **frames):
-    """A layout dictionary; frame names given as keyword args (f0 -> "0")."""
-    matrix = {}
-    for name, rect in frames.items():
-        matrix[name[1:] if name.startswith("f") and name[1:].isdigit() else name] = cell(*rect)
-    return {"width": width, "height": height, "matrix": matrix}
-
-
-def rule_under_title():
-    # Hairline under the clump's title strip: top, right, bottom, left.
-    return [0, 0, 1, 0]
 
 
 PERCENT_CUES = [0, 25, 50, 75, 100]
@@ -236,15 +221,6 @@ CLUMPS_LAYOUT = grid(6, 1, f0=(0, 0, 2, 1), f1=(2, 0, 2, 1), f2=(4, 0, 2, 1))
 ADVANCED_LAYOUT = grid(6, 14, f3=(0, 6, 2, 8), f4=(2, 0, 4, 14), f5=(0, 0, 2, 6))
 
 
-def clump_entry(name, kind, params, layout):
-    meta = {
-        "name": name, "codesafeName": name, "labelString": name,
-        "clumpType": kind, "computedLayout": layout,
-    }
-    if kind != "PowerBox":
-        meta["labelBorder"] = rule_under_title()
-    return {"metadata": meta, "parameters": params}
-
 
 # ---------------------------------------------------------------- presets
 
@@ -368,34 +344,8 @@ def description():
     }
 
 
-def without_label_images(node):
-    """The description without the label images that zel-make-labels renders
-    into it ("label" and "logo" strings starting with "base64,")."""
-    if isinstance(node, dict):
-        return {k: without_label_images(v) for k, v in node.items()
-                if not (k in ("label", "logo") and isinstance(v, str) and v.startswith("base64,"))}
-    if isinstance(node, list):
-        return [without_label_images(v) for v in node]
-    return node
-
-
 def main(argv):
-    # Only keys the description format has, each of its kind.
-    problems = SCHEMA.problems(description())
-    if problems:
-        print("\n".join(f"make_config: {p}" for p in problems), file=sys.stderr)
-        return 1
-    data = plistlib.dumps(description(), fmt=plistlib.FMT_XML, sort_keys=True)
-    if "--check" in argv:
-        with open(OUT, "rb") as f:
-            current = without_label_images(plistlib.loads(f.read()))
-            if plistlib.dumps(current, fmt=plistlib.FMT_XML, sort_keys=True) != data:
-                print(f"{OUT} is stale: run {sys.argv[0]}", file=sys.stderr)
-                return 1
-        return 0
-    with open(OUT, "wb") as f:
-        f.write(data)
-    return 0
+    return write_or_check(description(), OUT, argv)
 
 
 if __name__ == "__main__":
