@@ -339,6 +339,47 @@ ZelManualPage mousePage() {
   return page;
 }
 
+// Two of the product's sliders for the copy-and-paste examples: the first,
+// and the first of another clump; each with a value worth showing (the
+// first at the middle of its travel, whole; the second at its maximum;
+// either at the other end when that is its default).
+struct CopyExample {
+  const ZelParameter* a = nullptr;
+  const ZelParameter* b = nullptr;
+  float aValue = 0, bValue = 0;
+};
+
+CopyExample copyExample(const std::vector<const ZelParameter*>& listed) {
+  CopyExample e;
+  for (const ZelParameter* p : listed) {
+    if (p->controlType != ZelControlType::Slider) continue;
+    if (!e.a) e.a = p;
+    else if (p->clump != e.a->clump) {
+      e.b = p;
+      break;
+    }
+  }
+  if (!e.a) return {};
+  if (!e.b) e.b = e.a;
+  // Copied text names only values away from their defaults.
+  e.aValue = std::round(e.a->normalizedFloatValueFromPercent(0.5f, 0));
+  if (e.aValue == e.a->initialValue) e.aValue = e.a->maxValue;
+  e.bValue = e.b->maxValue == e.b->initialValue ? e.b->minValue : e.b->maxValue;
+  return e;
+}
+
+std::string exampleNumber(float v) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.6g", double(v));
+  return text;
+}
+
+std::string exampleDisplay(const ZelParameter& p, float v) {
+  std::string value, suffix;
+  p.valueString(&value, &suffix, v);
+  return suffix.empty() ? value : value + " " + suffix;
+}
+
 ZelManualPage copyAndStatePage(const ZelConfig& config) {
   const ZelMetadata& m = config.metadata();
   const std::string base = "https://www.zel-audio.example/" + m.pluginURLSlug + "/" + m.version + "/";
@@ -348,18 +389,25 @@ ZelManualPage copyAndStatePage(const ZelConfig& config) {
                              "`Ctrl+C` (or the save button of the preset bar) puts the settings on the clipboard "
                              "as one line of text shaped like a web address, to paste into a message, a note or "
                              "another instance of " + m.pluginName + ":"));
-  page.blocks.push_back(text(Kind::Note, "`" + base + "?lo:632/deg:100`"));
-  page.blocks.push_back(text(
-      Kind::Paragraph,
-      "The address names the product and its version; after the `?` come the parameters that differ from their "
-      "defaults, as `key:value` separated by `/`. Values are in the parameters' own units (hertz, percent, "
-      "decibels; Mode and HQ by index) and written in full, never in the local language's number format. Power is "
-      "never written. The example sets Low Cut to 632 Hz and Degrade to 100 %."));
-  std::vector<std::vector<std::string>> keys{{"Key", "Parameter", "Key", "Parameter"}};
   std::vector<const ZelParameter*> listed;
   config.enumerateParameters([&](const ZelParameter& p, const ZelClump&) {
     if (p.pid != 0) listed.push_back(&p);
   });
+  const CopyExample ex = copyExample(listed);
+  const auto key = [](const ZelParameter& p) { return p.minimalName.empty() ? p.codesafeName : p.minimalName; };
+  const std::string pair = ex.a ? key(*ex.a) + ":" + exampleNumber(ex.aValue) + "/" + key(*ex.b) + ":" +
+                                      exampleNumber(ex.bValue)
+                                : std::string();
+  page.blocks.push_back(text(Kind::Note, "`" + base + "?" + pair + "`"));
+  page.blocks.push_back(text(
+      Kind::Paragraph,
+      "The address names the product and its version; after the `?` come the parameters that differ from their "
+      "defaults, as `key:value` separated by `/`. Values are in the parameters' own units and written in full, "
+      "never in the local language's number format; a choice is written by its index. Power is never written." +
+          (ex.a ? " The example sets " + ex.a->name + " to " + exampleDisplay(*ex.a, ex.aValue) + " and " +
+                      ex.b->name + " to " + exampleDisplay(*ex.b, ex.bValue) + "."
+                : std::string())));
+  std::vector<std::vector<std::string>> keys{{"Key", "Parameter", "Key", "Parameter"}};
   for (std::size_t i = 0; i < listed.size(); i += 2) {
     std::vector<std::string> row;
     for (std::size_t j = i; j < i + 2; ++j) {
@@ -377,9 +425,13 @@ ZelManualPage copyAndStatePage(const ZelConfig& config) {
   page.blocks.push_back(text(
       Kind::Paragraph,
       "`Ctrl+V` reads such text back: every parameter it names takes that value, every other one (Power too) goes "
-      "back to its default, and `x` as a value keeps the current one (`hi:5000/deg:x`). The code names work as keys "
-      "too, and so does the form of a web link, `?LowCut=632&Degrade=100`. Unknown names are ignored; text that "
-      "is not an address changes nothing."));
+      "back to its default, and `x` as a value keeps the current one" +
+          (ex.a ? " (`" + key(*ex.a) + ":" + exampleNumber(ex.aValue) + "/" + key(*ex.b) + ":x`)" : std::string()) +
+          ". The code names work as keys too, and so does the form of a web link" +
+          (ex.a ? ", `?" + ex.a->codesafeName + "=" + exampleNumber(ex.aValue) + "&" + ex.b->codesafeName + "=" +
+                      exampleNumber(ex.bValue) + "`"
+                : std::string()) +
+          ". Unknown names are ignored; text that is not an address changes nothing."));
   page.blocks.push_back(heading("Where the settings are kept", "state"));
   page.blocks.push_back(table(
       {0.24, 0.76},

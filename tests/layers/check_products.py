@@ -31,12 +31,6 @@ FORMAT_WORDS = {"MasterOnOff"}
 KNOWN = [
     # The gallery's type specimen: the shared golden pictures show it.
     ("app/gallery/GalleryDrawing.cpp", "kSample"),
-    # The manual's signal-flow figure and its copy-and-paste examples are
-    # still Vantry's own, drawn by the generator: they belong in the
-    # product's manual texts.
-    ("app/manual/ManualHtml.cpp", "\\xE2\\x86\\x92"),
-    ("app/manual/ManualPdf.cpp", "Cut"),
-    ("app/manual/ManualDocument.cpp", "632"),
 ]
 
 
