@@ -21,7 +21,7 @@ done
 [ -f "$bundle/vantry_ui.so" ] && [ -f "$more_bundles/tollhum_ui.so" ] || { echo "FAIL: no bundles at $1 and $2"; exit 1; }
 
 . "$here/ardour_common.sh"
-ardour_setup "" 20 330 "$(dirname "$(realpath "$0")")/ardour_beside_vantry.lua"
+ZEL_TRACKS="Vantry=vantry,Tollhum=tollhum" ardour_setup "" 20 330 "$here/ardour_two.lua"
 [ "$(wc -w <<<"$ids")" -eq 2 ] || fail "the session does not hold both plug-ins ($ids)"
 ardour_window_manager
 
