@@ -226,7 +226,13 @@ void ZelGenericUI::runDeferredDrawerStep() {
   drawers_->addPresetDrawer();
 }
 
-// ---- The sketch.
+// ---- Channel layouts and the sketch.
+
+void ZelGenericUI::setChannelsIn(std::uint32_t channelsIn, std::uint32_t channelsOut) {
+  channelsIn_ = channelsIn, channelsOut_ = channelsOut;
+  rules_->setChannelsIn(channelsIn, channelsOut);
+  if (sketch_) sketch_->setChannels(channelsIn, channelsOut);
+}
 
 void ZelGenericUI::addSketchWithSubclass(const ZelSketchFactory& factory) {
   if (sketch_ || !factory || !config_ || !powerBox_) return;
@@ -234,6 +240,7 @@ void ZelGenericUI::addSketchWithSubclass(const ZelSketchFactory& factory) {
   if (!made) return;
   made->setPowerbox(powerBox_);
   made->setMeteringCallback(meteringCallback_);
+  if (channelsOut_ > 0) made->setChannels(channelsIn_, channelsOut_);
   made->setAlphaValue(0);
   sketch_ = powerBox_->addSubview(std::move(made));
   sketch_->animateAlphaValue(1.0, kSketchFadeDuration);

@@ -165,8 +165,8 @@ class ZelGenericUI : public ZelView {
   bool isProcessing() const { return values_->isProcessing(); }
   // Sends every registered control's initial value.
   void resetInitialValues() { values_->resetInitialValues(); }
-  // Channel-layout rules.
-  void setChannelsIn(std::uint32_t channelsIn, std::uint32_t channelsOut) { rules_->setChannelsIn(channelsIn, channelsOut); }
+  // Channel-layout rules; the sketch learns the layout too (now, or when made).
+  void setChannelsIn(std::uint32_t channelsIn, std::uint32_t channelsOut);
   // The zoom in effect (see ZelEditorHostLink).
   double zoom() const { return hostLink_->zoom(); }
   void setZoom(double zoom) { hostLink_->setZoom(zoom); }
@@ -205,6 +205,7 @@ class ZelGenericUI : public ZelView {
   // The advanced clumps view until the drawer takes it.
   std::unique_ptr<ZelClumpsView> pendingAdvClumpsView_;
   ZelParameterSketch* sketch_ = nullptr;
+  std::uint32_t channelsIn_ = 0, channelsOut_ = 0;  // 0: not known yet
   ZelMeteringCallback meteringCallback_;
   Layout layout_;
   ZelNotificationCenter::Observation themeObservation_;

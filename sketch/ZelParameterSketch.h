@@ -139,6 +139,9 @@ class ZelParameterSketch : public ZelView {
   }
   // Meters only: one frame of metering.
   virtual void updateMeterWithDuration(double seconds) { (void)seconds; }
+  // The unit's channel layout (inputs, outputs), whenever the editor learns
+  // it; a sketch that draws per channel follows it. The base ignores it.
+  virtual void setChannels(std::uint32_t channelsIn, std::uint32_t channelsOut) { (void)channelsIn, (void)channelsOut; }
 
   // ---- Window.
   void viewDidMoveToWindow() override;

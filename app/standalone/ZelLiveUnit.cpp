@@ -1,9 +1,26 @@
 #include "app/standalone/ZelLiveUnit.h"
 
+#include <algorithm>
+
 ZEL_DSP_NAMESPACE_BEGIN
 
 ZelLiveUnit::ZelLiveUnit(std::unique_ptr<ZelAudioUnit> first, int parameterCount)
-    : mailbox_(parameterCount), playing_(first.release()) {}
+    : mailbox_(parameterCount), playing_(first.release()) {
+  meterCount_ = std::min(playing_->meterCount(), kMaxMeters);
+  publishMeters();
+}
+
+void ZelLiveUnit::publishMeters() noexcept {
+  if (meterCount_ == 0) return;
+  std::array<float, kMaxMeters> levels{};
+  playing_->readMeters(levels.data(), meterCount_);
+  for (std::uint32_t i = 0; i < meterCount_; ++i) meters_[i].store(levels[i], std::memory_order_relaxed);
+}
+
+void ZelLiveUnit::readMeters(float* levels, std::uint32_t count) const noexcept {
+  const std::uint32_t n = std::min(count, meterCount_);
+  for (std::uint32_t i = 0; i < n; ++i) levels[i] = meters_[i].load(std::memory_order_relaxed);
+}
 
 ZelLiveUnit::~ZelLiveUnit() {
   delete offered_.exchange(nullptr);
@@ -42,6 +59,7 @@ void ZelLiveUnit::process(const float* const* in, float* const* out, std::uint32
   ZelAudioUnit& unit = *playing_;
   mailbox_.take([&unit](int pid, float value) { unit.setParameter(pid, value); });
   unit.process(in, out, frames);
+  publishMeters();
 }
 
 ZEL_DSP_NAMESPACE_END

@@ -8,14 +8,20 @@
 // main thread (collect), never by the audio thread: the audio side only
 // exchanges pointers.
 //
+// After each block the audio thread copies the playing unit's meter levels
+// (at most kMaxMeters) into atomics of its own, so the main thread reads
+// meters without ever touching a unit the audio thread may be swapping.
+//
 // Ownership: owns the unit in use, the replacement waiting and the unit put
 // aside; the destructor frees all three (no audio thread may run by then).
 // Threading: post(), replace(), collect() and hasLeftovers() belong to the
 // main thread; process() to the audio thread (one at a time; it never
-// allocates, locks, waits or does I/O). playing() is for whoever knows that
+// allocates, locks, waits or does I/O). meterCount() and readMeters() are
+// for any thread. playing() is for whoever knows that
 // no audio thread runs (tests, the main thread after the audio stopped).
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -53,17 +59,31 @@ class ZelLiveUnit {
   // samples (any number: the unit cuts long blocks itself).
   void process(const float* const* in, float* const* out, std::uint32_t frames) noexcept;
 
+  // ---- Any thread.
+  static constexpr std::uint32_t kMaxMeters = 16;
+  // The meter levels the first unit offers (its meterCount(), at most
+  // kMaxMeters), as the last block left them; before any block, the first
+  // unit's resting levels.
+  std::uint32_t meterCount() const { return meterCount_; }
+  // Writes min(count, meterCount()) levels; lock-free, never waits.
+  void readMeters(float* levels, std::uint32_t count) const noexcept;
+
   // ---- No audio thread running.
   ZelAudioUnit& playing() { return *playing_; }
 
  private:
   void takeReplacement() noexcept;
+  // Copies the playing unit's levels into meters_.
+  void publishMeters() noexcept;
 
   static_assert(std::atomic<ZelAudioUnit*>::is_always_lock_free);
   ZelParameterMailbox mailbox_;
   ZelAudioUnit* playing_;                        // audio thread's
   std::atomic<ZelAudioUnit*> offered_{nullptr};  // main -> audio
   std::atomic<ZelAudioUnit*> retired_{nullptr};  // audio -> main
+  std::uint32_t meterCount_ = 0;                 // fixed by the first unit
+  std::array<std::atomic<float>, kMaxMeters> meters_{};  // audio -> any
+  static_assert(std::atomic<float>::is_always_lock_free);
 };
 
 ZEL_DSP_NAMESPACE_END

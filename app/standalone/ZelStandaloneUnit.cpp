@@ -112,7 +112,13 @@ ZelUnitStatus ZelStandaloneUnit::getChannelCount(ZelUnitProperty which, std::uin
 
 ZelUnitStatus ZelStandaloneUnit::getMetering(ZelUnitMetering& metering) {
   metering = {};
-  return kZelUnitInvalidProperty;
+  if (live_.meterCount() == 0) return kZelUnitInvalidProperty;  // nothing to meter
+  // The live unit's copies, not the unit: the audio thread may swap units.
+  metering.function = [](void* context, float* levels, std::uint32_t count) {
+    static_cast<const ZelLiveUnit*>(context)->readMeters(levels, count);
+  };
+  metering.context = &live_;
+  return kZelUnitNoErr;
 }
 
 ZelUnitStatus ZelStandaloneUnit::getZoom(double& zoom) {

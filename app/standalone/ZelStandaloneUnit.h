@@ -6,6 +6,8 @@
 // loop, one posted call per change, as a plug-in API's listener does. It
 // also keeps the preset name, the theme flag and the channel counts, and
 // tells one change handler (the session keeper) that something changed.
+// Its metering reads the levels the live unit copies after each block, so
+// the editor's meter keeps reading safely across a change of unit.
 //
 // Ownership: owns the live unit (and through it the audio unit). Listeners
 // are not owned: a listener disposes of itself before it goes. The run loop

@@ -10,8 +10,9 @@
 #                                  by default), Ardour's settings and Xvfb;
 #                                  each Vantry's window opens at X,Y, the
 #                                  next 620 pixels to the right. Sets $ids
-#                                  (route-processor ids). Needs $bundle,
-#                                  $out, $here.
+#                                  (route-processor ids, of every Zel
+#                                  plug-in). Needs $bundle, $out, $here;
+#                                  $more_bundles: other bundles to install.
 #   ardour_window_manager          starts openbox (click to focus)
 #   ardour_start                   starts Ardour and waits for Vantry's
 #                                  window: sets $ardour, $frame, $main,
@@ -39,7 +40,8 @@ ardour_setup() {
   trap cleanup EXIT
   export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
   mkdir -p "$HOME" "$XDG_CONFIG_HOME/ardour7" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$out" "$work/lv2"
-  cp -r "$bundle" "$work/lv2/vantry.lv2"
+  local b
+  for b in "$bundle" ${more_bundles:-}; do cp -r "$b" "$work/lv2/$(basename "$b")"; done
   export LV2_PATH=$work/lv2
   session=$work/session
   if [ -n "$from" ]; then
@@ -77,10 +79,10 @@ ardour_setup() {
 </Ardour>
 CONFIG
 
-  # Vantry's plug-in window ("P-<route id>-<processor id>") was open, with its
+  # Each plug-in's window ("P-<route id>-<processor id>") was open, with its
   # own editor rather than Ardour's generic one.
   ids=$(awk '/<Route / { match($0, / id="[0-9]+"/); route = substr($0, RSTART + 5, RLENGTH - 6) }
-    /<Processor .*type="lv2" unique-id="https:\/\/www.zel-audio.example\/plugins\/vantry#stereo"/ {
+    /<Processor .*type="lv2" unique-id="https:\/\/www.zel-audio.example\/plugins\/[a-z]+#stereo"/ {
       match($0, / id="[0-9]+"/); print route "-" substr($0, RSTART + 5, RLENGTH - 6) }' "$snapshot")
   [ -n "$ids" ] || fail "the session holds no Vantry"
   grep -q "<Extra>" "$snapshot" && fail "the session already has GUI state"

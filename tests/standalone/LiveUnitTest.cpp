@@ -2,7 +2,9 @@
 // and its hand-over of a unit for another rate.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <thread>
 #include <vector>
 
@@ -117,6 +119,94 @@ TEST(LiveUnit, TheAudioPathNeverAllocatesLocksOrWaits) {
     (i % 50 == 0 ? large : small).play(live);
   }
   EXPECT_EQ(trap.violations(), 0);
+}
+
+// A unit that meters: its levels are the last block's peak (left, right),
+// `rest` until a block has played.
+class MeteringUnit final : public ZelAudioUnit {
+ public:
+  explicit MeteringUnit(float rest) : peak_{rest, rest} {}
+  int channels() const override { return 2; }
+  double sampleRate() const override { return 48000; }
+  void setSampleRate(double) override {}
+  void setParameter(int, float) override {}
+  float parameter(int) const override { return 0; }
+  void reset() override {}
+  void process(const float* const* in, float* const*, std::uint32_t frames) override {
+    for (int c = 0; c < 2; ++c) {
+      peak_[c] = 0;
+      for (std::uint32_t i = 0; i < frames; ++i) peak_[c] = std::max(peak_[c], std::abs(in[c][i]));
+    }
+  }
+  std::uint32_t latency() const override { return 0; }
+  std::uint32_t meterCount() const override { return 2; }
+  void readMeters(float* levels, std::uint32_t count) const override {
+    for (std::uint32_t i = 0; i < std::min(count, 2u); ++i) levels[i] = peak_[i];
+  }
+
+ private:
+  float peak_[2];
+};
+
+TEST(LiveUnit, MetersAreTheLastBlocksAndOutliveASwap) {
+  ZelLiveUnit live(std::make_unique<MeteringUnit>(-1), kZelParameterCount);
+  ASSERT_EQ(live.meterCount(), 2u);
+  float levels[3] = {7, 7, 7};
+  live.readMeters(levels, 3);
+  EXPECT_EQ(levels[0], -1.0f) << "before any block: the unit's resting levels";
+  EXPECT_EQ(levels[2], 7.0f) << "only meterCount() levels are written";
+  Block block;
+  block.left[3] = 0.5f;
+  {
+    dsptest::RealTimeTrap trap;
+    block.play(live);
+    EXPECT_EQ(trap.violations(), 0);
+  }
+  live.readMeters(levels, 2);
+  EXPECT_EQ(levels[0], 0.5f);
+  EXPECT_EQ(levels[1], 0.1f);
+  // A new unit waiting, and the old one freed: the levels stay readable and
+  // are the last block's until the new unit plays.
+  live.replace(std::make_unique<MeteringUnit>(-2));
+  live.readMeters(levels, 2);
+  EXPECT_EQ(levels[0], 0.5f);
+  Block quiet;
+  quiet.left.assign(quiet.left.size(), 0.25f);
+  quiet.play(live);
+  live.collect();
+  live.readMeters(levels, 2);
+  EXPECT_EQ(levels[0], 0.25f);
+  // Vantry's unit has no meters.
+  ZelLiveUnit plain(std::make_unique<ZelVantryUnit>(2, 48000), kZelParameterCount);
+  EXPECT_EQ(plain.meterCount(), 0u);
+}
+
+TEST(LiveUnit, MetersReadWhileTheAudioThreadPlaysAndSwaps) {
+  ZelLiveUnit live(std::make_unique<MeteringUnit>(0.1f), kZelParameterCount);
+  std::atomic<bool> done{false};
+  std::thread audio([&] {
+    Block block;
+    while (!done.load()) block.play(live);
+  });
+  bool valid = true;
+  for (int i = 0; i < 2000; ++i) {
+    if (i % 100 == 0) live.replace(std::make_unique<MeteringUnit>(0.1f));
+    float levels[2];
+    live.readMeters(levels, 2);
+    valid = valid && levels[0] == 0.1f && levels[1] == 0.1f;
+  }
+  done = true;
+  audio.join();
+  EXPECT_TRUE(valid) << "a reading showed something no unit published";
+}
+
+TEST(StandaloneUnit, OffersMeteringOnlyForAUnitThatMeters) {
+  ZelVirtualClock clock;
+  ZelRunLoop loop(clock);
+  ZelStandaloneUnit unit(loop, 2, 2, 48000);
+  ZelUnitMetering metering;
+  EXPECT_EQ(unit.getMetering(metering), kZelUnitInvalidProperty) << "Vantry does not meter";
+  EXPECT_EQ(metering.function, nullptr);
 }
 
 TEST(StandaloneUnit, ANewRateKeepsEveryValue) {

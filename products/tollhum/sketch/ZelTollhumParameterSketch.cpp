@@ -179,13 +179,21 @@ void ZelTollhumParameterSketch::updateMeterWithDuration(double) {
   drawMeter();
 }
 
+void ZelTollhumParameterSketch::setChannels(std::uint32_t channelsIn, std::uint32_t channelsOut) {
+  (void)channelsIn;
+  const int bars = channelsOut == 1 ? 1 : 2;
+  if (bars == meterBars_) return;
+  meterBars_ = bars;
+  drawMeter();
+}
+
 void ZelTollhumParameterSketch::drawMeter() {
   if (!rmsLayer_) return;
   const CGRect m = meterRect();
-  const double barWidth = std::floor((m.size.width - kBarGap) / 2);
+  const double barWidth = std::floor((m.size.width - kBarGap * (meterBars_ - 1)) / meterBars_);
   scratch_.clear();
   if (!CGRectIsEmpty(m) && barWidth > 0) {
-    for (int c = 0; c < 2; ++c) {
+    for (int c = 0; c < meterBars_; ++c) {
       const double x = m.origin.x + c * (barWidth + kBarGap);
       const double rms = meterPosition(reading_.rms[c]) * m.size.height;
       if (rms > 0) scratch_.addRect(CGRectMake(x, m.origin.y, barWidth, rms));
@@ -194,7 +202,7 @@ void ZelTollhumParameterSketch::drawMeter() {
   rmsLayer_->exchangePath(scratch_);
   scratch_.clear();
   if (!CGRectIsEmpty(m) && barWidth > 0) {
-    for (int c = 0; c < 2; ++c) {
+    for (int c = 0; c < meterBars_; ++c) {
       const double x = m.origin.x + c * (barWidth + kBarGap);
       if (reading_.peak[c] > kMeterFloorDb) {
         const double y = m.origin.y + meterPosition(reading_.peak[c]) * m.size.height;

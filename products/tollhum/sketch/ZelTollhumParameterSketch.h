@@ -5,7 +5,7 @@
 // it): each stem stands at a harmonic of a string, as high as the gain the
 // unit gives a sine at that frequency (-12 dB at the bottom, +36 dB at the
 // top), worked out with the unit's own arithmetic at 48 kHz. Below it, the
-// level meter: two bars (left, right) from -60 to +6 dBFS, the RMS level
+// level meter: two bars (left, right; one for a mono unit) from -60 to +6 dBFS, the RMS level
 // filled, the peak as a bar across and the held peak as a short tick, with
 // marks at 0, -12, -24 and -48 dB.
 //
@@ -68,6 +68,9 @@ class ZelTollhumParameterSketch : public ZelParameterSketch {
   void getFrameForParameterValues(std::span<const float> values, std::span<const float> destValues,
                                   std::span<const std::uint8_t> changes) override;
   void updateMeterWithDuration(double seconds) override;
+  // A unit with one output channel has one bar (the left channel's levels).
+  void setChannels(std::uint32_t channelsIn, std::uint32_t channelsOut) override;
+  int meterBars() const { return meterBars_; }
 
   ZelShapeLayer* stemsLayer() const { return stemsLayer_; }
   ZelShapeLayer* rmsLayer() const { return rmsLayer_; }
@@ -89,6 +92,7 @@ class ZelTollhumParameterSketch : public ZelParameterSketch {
   std::size_t stemCount_ = 0;
   bool stemsComputed_ = false;
   tollhum::MeterReading reading_{};
+  int meterBars_ = 2;
   ZelPath scratch_;
 };
 

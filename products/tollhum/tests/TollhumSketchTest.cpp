@@ -78,6 +78,20 @@ TEST_F(MeterFixture, EachFrameShowsWhatTheUnitPublished) {
   EXPECT_LT(CGRectGetMaxY(sketch->rmsLayer()->path().boundingBox()), barTop - 10);
 }
 
+TEST_F(MeterFixture, AMonoUnitHasOneBarAcrossTheMeter) {
+  play(0.5f, 4800);
+  w.frame();
+  const CGRect left = sketch->rmsLayer()->path().boundingBox();  // the left bar of two
+  sketch->setChannels(1, 1);
+  EXPECT_EQ(sketch->meterBars(), 1);
+  const CGRect one = sketch->rmsLayer()->path().boundingBox();
+  EXPECT_EQ(one.origin.x, left.origin.x);
+  EXPECT_NEAR(one.size.width, 2 * left.size.width + 4, 1.0);  // both bars and the gap between them
+  sketch->setChannels(1, 2);  // a mono-to-stereo unit meters two outputs
+  EXPECT_EQ(sketch->meterBars(), 2);
+  EXPECT_EQ(sketch->rmsLayer()->path().boundingBox().size.width, left.size.width);
+}
+
 TEST_F(MeterFixture, WithoutACallbackTheBarsRestAtTheBottom) {
   sketch->setMeteringCallback({});
   play(0.5f, 4800);
