@@ -55,16 +55,16 @@ TEST(ZelEditorAccessibility, TheTreeFollowsTheEditorPanelByPanel) {
             (std::vector<std::string>{"Preset", "Undo", "Redo", "Copy settings", "Preset list"}));
   // Identifiers name each element once; parents and indexes agree.
   std::vector<int> ids;
-  std::vector<ZelAccessible*> todo{root};
-  while (!todo.empty()) {
-    ZelAccessible* e = todo.back();
-    todo.pop_back();
+  std::vector<ZelAccessible*> pending{root};
+  while (!pending.empty()) {
+    ZelAccessible* e = pending.back();
+    pending.pop_back();
     ids.push_back(e->identifier());
     EXPECT_EQ(root->find(e->identifier()), e);
     if (e->parent()) {
       EXPECT_EQ(e->parent()->children()[static_cast<std::size_t>(e->indexInParent())], e);
     }
-    for (ZelAccessible* c : e->children()) todo.push_back(c);
+    for (ZelAccessible* c : e->children()) pending.push_back(c);
   }
   std::sort(ids.begin(), ids.end());
   EXPECT_EQ(std::adjacent_find(ids.begin(), ids.end()), ids.end());
