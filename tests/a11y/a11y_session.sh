@@ -35,8 +35,8 @@ start_a11y_bus() {
     sleep 0.1
   done
   # What Orca does when it starts: tell the desktop a screen reader runs.
-  dbus-send --session --dest=org.a11y.Bus /org/a11y/bus org.freedesktop.DBus.Properties.Set \
-    string:org.a11y.Status string:IsEnabled variant:boolean:true 2>/dev/null
+  dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus org.freedesktop.DBus.Properties.Set \
+    string:org.a11y.Status string:IsEnabled variant:boolean:true >/dev/null 2>&1
 }
 
 # wait_window REGEX: prints the first X window whose name matches, waiting

@@ -60,5 +60,19 @@ ls -l /proc/$none/fd 2>/dev/null | grep -q socket: && sockets=$(ls -l /proc/$non
 echo "without a bus: $sockets socket(s) open"
 kill "$none" 2>/dev/null
 
+# A desktop that runs the bus with no screen reader (IsEnabled false): the
+# app asks once and keeps nothing open either.
+dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus org.freedesktop.DBus.Properties.Set \
+  string:org.a11y.Status string:IsEnabled variant:boolean:false >/dev/null 2>&1
+"$vantry" --no-audio --session "$work/off.plist" >"$work/off.log" 2>&1 &
+off=$!
+pids+=($off)
+sleep 2
+grep -q "on the accessibility bus" "$work/off.log" && fail "with accessibility off the app joined the bus"
+sockets=$(ls -l /proc/$off/fd 2>/dev/null | grep -c socket:)
+[ "$sockets" -le 1 ] || fail "with accessibility off the app holds $sockets sockets (the X connection only expected)"
+echo "accessibility off: $sockets socket(s) open"
+kill "$off" 2>/dev/null
+
 [ "$failed" = 0 ] && echo "PASS"
 exit "$failed"

@@ -662,8 +662,34 @@ bool envSet(const char* name) {
   return v && *v && std::strcmp(v, "0") != 0;
 }
 
+// Whether the desktop asks for accessibility: the session bus's
+// org.a11y.Status IsEnabled, which screen readers set.
+bool accessibilityEnabled(DBusConnection* session) {
+  DBusMessage* call =
+      dbus_message_new_method_call("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Get");
+  const char* interface = "org.a11y.Status";
+  const char* property = "IsEnabled";
+  dbus_message_append_args(call, DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property, DBUS_TYPE_INVALID);
+  DBusError err;
+  dbus_error_init(&err);
+  DBusMessage* reply = dbus_connection_send_with_reply_and_block(session, call, 2000, &err);
+  dbus_message_unref(call);
+  dbus_error_free(&err);
+  dbus_bool_t enabled = false;
+  if (reply) {
+    DBusMessageIter it, variant;
+    if (dbus_message_iter_init(reply, &it) && dbus_message_iter_get_arg_type(&it) == DBUS_TYPE_VARIANT) {
+      dbus_message_iter_recurse(&it, &variant);
+      if (dbus_message_iter_get_arg_type(&variant) == DBUS_TYPE_BOOLEAN) dbus_message_iter_get_basic(&variant, &enabled);
+    }
+    dbus_message_unref(reply);
+  }
+  return enabled;
+}
+
 // The accessibility bus's address: AT_SPI_BUS_ADDRESS, or what the session
-// bus's "org.a11y.Bus" says when it runs. Empty when there is none.
+// bus's "org.a11y.Bus" says when it runs and accessibility is enabled.
+// Empty when there is none.
 std::string accessibilityBusAddress(std::string& why) {
   if (const char* a = std::getenv("AT_SPI_BUS_ADDRESS"); a && *a) return a;
   if (!std::getenv("DBUS_SESSION_BUS_ADDRESS")) {
@@ -682,6 +708,10 @@ std::string accessibilityBusAddress(std::string& why) {
   std::string address;
   if (!dbus_bus_name_has_owner(session, "org.a11y.Bus", &err)) {
     why = "no accessibility bus on the session bus";
+  } else if (!accessibilityEnabled(session)) {
+    // Desktops run the bus always; a screen reader (or the user's setting)
+    // turns this on, and only then is the editor worth publishing.
+    why = "accessibility is not enabled (org.a11y.Status IsEnabled is false)";
   } else {
     DBusMessage* call = dbus_message_new_method_call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress");
     DBusMessage* r = dbus_connection_send_with_reply_and_block(session, call, 2000, &err);

@@ -9,9 +9,11 @@
 // focus, state and value events (a value that automation keeps moving is
 // reported once per look at most).
 //
-// Nothing is opened unless the desktop runs the accessibility bus: connect()
-// asks the session bus whether "org.a11y.Bus" has an owner (it does not
-// start one), and returns nullptr otherwise, keeping no connection.
+// Nothing is opened unless the desktop runs the accessibility bus and asks
+// for accessibility: connect() asks the session bus whether "org.a11y.Bus"
+// has an owner (it does not start one) and whether its org.a11y.Status
+// IsEnabled is true (a screen reader sets it), and returns nullptr
+// otherwise, keeping no connection.
 //
 // Inside a host that holds an AT-SPI bridge of its own (GTK, Qt) the
 // editor registers beside the host, as an application of its own.
