@@ -55,7 +55,10 @@ wait "$hostpid" || fail "zel-lv2-host: the plug-in's side did not hold (exit $?)
 sed "s/^/  zel-lv2-host: /" "$work/host.out"
 
 # ---- jalv.gtk3: GTK's own bridge in the same process.
-if command -v jalv.gtk3 >/dev/null && command -v jackd >/dev/null; then
+. "$here/../hosts/foreign_host.sh"
+if is_sanitized "$bundle"; then
+  echo "jalv.gtk3: left out (the bundle is built with the sanitizers, which jalv cannot load)"
+elif command -v jalv.gtk3 >/dev/null && command -v jackd >/dev/null; then
   mkdir -p "$work/lv2"
   cp -r "$bundle" "$work/lv2/vantry.lv2"
   export LV2_PATH=$work/lv2 JACK_DEFAULT_SERVER=vantry-a11y-test-$$ JACK_NO_AUDIO_RESERVATION=1
