@@ -16,23 +16,8 @@ for tool in Xvfb xdpyinfo jackd jack_lsp jalv.gtk3 xdotool xclip xwd convert; do
 done
 [ -f "$bundle/manifest.ttl" ] && [ -f "$bundle/vantry_ui.so" ] || { echo "FAIL: no bundle at $bundle"; exit 1; }
 
-work=$(mktemp -d)
-export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
-mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$out" "$work/lv2"
-cp -r "$bundle" "$work/lv2/vantry.lv2"
-# One server name for this test: JACK keeps a small table of servers and
-# frees an entry left by a server that died only for the same name.
-export LV2_PATH=$work/lv2 JACK_DEFAULT_SERVER=vantry-jalv-test JACK_NO_AUDIO_RESERVATION=1
-
-pids=()
-cleanup() {
-  for p in "${pids[@]}"; do kill "$p" 2>/dev/null; done
-  wait 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-failed=0
-fail() { echo "FAIL: $*"; failed=1; }
+private_host "$bundle" vantry-jalv-test
+mkdir -p "$out"
 
 . "$(dirname "$(realpath "$0")")/../support/xvfb_display.sh"
 start_xvfb

@@ -18,21 +18,7 @@ for tool in muse Xvfb xdpyinfo xdotool jackd jack_lsp jack_rec; do
 done
 [ -f "$bundle/manifest.ttl" ] || { echo "FAIL: no bundle at $bundle"; exit 1; }
 
-work=$(mktemp -d)
-export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache
-mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$work/lv2"
-cp -r "$bundle" "$work/lv2/vantry.lv2"
-export LV2_PATH=$work/lv2 JACK_DEFAULT_SERVER=vantry-muse-test JACK_NO_AUDIO_RESERVATION=1
-
-pids=()
-cleanup() {
-  for p in "${pids[@]}"; do kill "$p" 2>/dev/null; done
-  wait 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-failed=0
-fail() { echo "FAIL: $*"; failed=1; }
+private_host "$bundle" vantry-muse-test
 
 . "$here/../support/xvfb_display.sh"
 start_xvfb
